@@ -1,0 +1,268 @@
+#include "core/fileservices.h"
+
+#include <QFile>
+#include <QProcess>
+#include <QSaveFile>
+#include <QString>
+#include <algorithm>
+#include <fstream>
+#include <random>
+#include <system_error>
+
+namespace tessarin {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+bool IsSeparator(char c) { return c == '/' || c == '\\'; }
+
+std::string CutFinalSeparator(std::string path) {
+  // A root ("/" or "C:\") keeps its separator: without it, it names another thing.
+  while (path.size() > 1 && IsSeparator(path.back()) && !(path.size() == 3 && path[1] == ':')) {
+    path.pop_back();
+  }
+  return path;
+}
+
+char Lower(char c) { return (c >= 'A' && c <= 'Z') ? static_cast<char>(c - 'A' + 'a') : c; }
+
+bool EqualNoCase(std::string_view a, std::string_view b) {
+  if (a.size() != b.size()) return false;
+  for (size_t i = 0; i < a.size(); ++i) {
+    if (Lower(a[i]) != Lower(b[i])) return false;
+  }
+  return true;
+}
+
+// '*' and '?' against a file name, without regard to case as the desktop's own matching does.
+bool WildcardMatch(std::string_view pattern, std::string_view name) {
+  size_t p = 0, n = 0, starP = std::string_view::npos, starN = 0;
+  while (n < name.size()) {
+    if (p < pattern.size() && (pattern[p] == '?' || Lower(pattern[p]) == Lower(name[n]))) {
+      ++p;
+      ++n;
+    } else if (p < pattern.size() && pattern[p] == '*') {
+      starP = p++;
+      starN = n;
+    } else if (starP != std::string_view::npos) {
+      p = starP + 1;
+      n = ++starN;
+    } else {
+      return false;
+    }
+  }
+  while (p < pattern.size() && pattern[p] == '*') ++p;
+  return p == pattern.size();
+}
+
+QString ToQString(const std::string& utf8) { return QString::fromUtf8(utf8.data(), utf8.size()); }
+
+// Copies a file or a folder tree, replacing what is there: copies ask no question.
+void CopyTree(const fs::path& from, const fs::path& to) {
+  if (fs::is_directory(from)) {
+    fs::create_directories(to);
+    fs::copy(from, to, fs::copy_options::recursive | fs::copy_options::overwrite_existing);
+  } else {
+    fs::copy_file(from, to, fs::copy_options::overwrite_existing);
+  }
+}
+
+}  // namespace
+
+fs::path FsPath(const std::string& utf8Path) {
+  return fs::path(std::u8string(utf8Path.begin(), utf8Path.end()));
+}
+
+std::string PathText(const fs::path& path) {
+  const std::u8string text = path.u8string();
+  return std::string(text.begin(), text.end());
+}
+
+bool FileExists(const std::string& path) {
+  if (path.empty()) return false;
+  std::error_code ec;
+  const fs::file_status status = fs::status(FsPath(path), ec);
+  return !ec && fs::exists(status) && !fs::is_directory(status);
+}
+
+bool FolderExists(const std::string& path) {
+  if (path.empty()) return false;
+  std::error_code ec;
+  return fs::is_directory(FsPath(path), ec) && !ec;
+}
+
+std::string AddSlash(std::string path) {
+  if (path.empty() || !IsSeparator(path.back())) {
+    path += static_cast<char>(fs::path::preferred_separator);
+  }
+  return path;
+}
+
+bool MakeFolder(const std::string& path) {
+  const std::string folder = CutFinalSeparator(path);
+  if (folder.empty()) return false;
+  std::error_code ec;
+  return fs::create_directory(FsPath(folder), ec) && !ec;
+}
+
+bool KillFile(const std::string& path) {
+  const fs::path target = FsPath(path);
+  const std::string name = PathText(target.filename());
+  std::error_code ec;
+  if (name.find_first_of("*?") == std::string::npos) {
+    if (fs::is_directory(target, ec)) return false;
+    return fs::remove(target, ec) && !ec;
+  }
+  fs::path folder = target.parent_path();
+  if (folder.empty()) folder = fs::current_path(ec);
+  int deleted = 0;
+  bool failed = false;
+  for (fs::directory_iterator it(folder, ec), end; !ec && it != end; it.increment(ec)) {
+    if (it->is_directory(ec)) continue;
+    if (!WildcardMatch(name, PathText(it->path().filename()))) continue;
+    std::error_code removeError;
+    if (fs::remove(it->path(), removeError)) {
+      ++deleted;
+    } else {
+      failed = true;
+    }
+  }
+  return deleted > 0 && !failed && !ec;
+}
+
+void KillQuiet(const std::string& path) { KillFile(path); }
+
+bool RenameFile(const std::string& oldPath, const std::string& newPath) {
+  std::error_code ec;
+  fs::rename(FsPath(oldPath), FsPath(newPath), ec);
+  return !ec;
+}
+
+void ShellDelete(const std::string& path, bool permanent) {
+  const std::string target = CutFinalSeparator(path);
+  if (target.empty()) return;
+  if (!permanent && QFile::moveToTrash(ToQString(target))) return;
+  std::error_code ec;
+  fs::remove_all(FsPath(target), ec);
+}
+
+bool ShellCopy(const std::string& source, const std::string& dest, int operation, bool mustExist,
+               bool isFolder) {
+  const std::string from = CutFinalSeparator(source);
+  if (mustExist) {
+    if (isFolder ? !FolderExists(from) : !FileExists(from)) return false;
+  }
+  const bool move = operation == 1;
+  std::error_code ec;
+  const fs::path fromPath = FsPath(from);
+  fs::path toPath = FsPath(CutFinalSeparator(dest));
+  if (!fs::exists(fromPath, ec)) return true;
+  // Into an existing folder the thing keeps its name; otherwise the destination is its new name.
+  if (fs::is_directory(toPath, ec)) toPath /= fromPath.filename();
+  try {
+    if (move) {
+      fs::rename(fromPath, toPath, ec);
+      if (ec) {  // another device: copy, then delete the original
+        CopyTree(fromPath, toPath);
+        fs::remove_all(fromPath);
+      }
+    } else {
+      CopyTree(fromPath, toPath);
+    }
+  } catch (const fs::filesystem_error&) {
+    // Like the shell's own operation, a partial copy is no failure of the caller.
+  }
+  return true;
+}
+
+std::string GetTempFolderPath() {
+  std::error_code ec;
+  const fs::path temp = fs::temp_directory_path(ec);
+  if (ec) return {};
+  return AddSlash(PathText(temp));
+}
+
+std::string FindFileNoCase(const std::string& folder, const std::string& name) {
+  const std::string base = AddSlash(folder);
+  const std::string exact = base + name;
+  std::error_code ec;
+  if (fs::exists(FsPath(exact), ec)) return exact;
+  for (fs::directory_iterator it(FsPath(base), ec), end; !ec && it != end; it.increment(ec)) {
+    const std::string candidate = PathText(it->path().filename());
+    if (EqualNoCase(candidate, name)) return base + candidate;
+  }
+  return exact;
+}
+
+bool WriteFileAtomically(const std::string& path, std::string_view content) {
+  QSaveFile file(ToQString(path));
+  if (!file.open(QIODevice::WriteOnly)) return false;
+  if (file.write(content.data(), static_cast<qint64>(content.size())) !=
+      static_cast<qint64>(content.size())) {
+    file.cancelWriting();
+    return false;
+  }
+  return file.commit();
+}
+
+bool ReadWholeFile(const std::string& path, std::string& content) {
+  std::ifstream in(FsPath(path), std::ios::binary);
+  if (!in) return false;
+  in.seekg(0, std::ios::end);
+  const std::streamoff size = in.tellg();
+  if (size < 0) return false;
+  in.seekg(0, std::ios::beg);
+  content.resize(static_cast<size_t>(size));
+  if (size > 0) in.read(content.data(), size);
+  return static_cast<bool>(in) || in.eof();
+}
+
+int NormaliseWindowStyle(int style) { return (style < 0 || style > 6) ? 6 : style; }
+
+int RunAndWait(const std::string& program, const std::vector<std::string>& arguments,
+               const RunOptions& options) {
+  QProcess process;
+  process.setProgram(ToQString(program));
+  QStringList args;
+  for (const std::string& a : arguments) args << ToQString(a);
+  process.setArguments(args);
+  if (!options.workingFolder.empty()) process.setWorkingDirectory(ToQString(options.workingFolder));
+  if (!options.standardOutputFile.empty()) {
+    process.setStandardOutputFile(ToQString(options.standardOutputFile), QIODevice::Truncate);
+  } else {
+    process.setStandardOutputFile(QProcess::nullDevice());
+  }
+  process.setStandardErrorFile(QProcess::nullDevice());
+  process.setStandardInputFile(QProcess::nullDevice());
+  process.start();
+  // 53 is "File not found", the error a missing program has always given here.
+  if (!process.waitForStarted(-1)) return kRunStartFailure + 53;
+  // No time-out: the wait ends only with the program, as a build must not be cut short.
+  process.waitForFinished(-1);
+  if (process.exitStatus() == QProcess::CrashExit) return kRunStartFailure + 51;
+  return process.exitCode();
+}
+
+void SortStrings(std::vector<std::string>& table, int low, int high) {
+  if (table.empty()) return;
+  if (low < 0) low = 0;
+  if (high >= static_cast<int>(table.size())) high = static_cast<int>(table.size()) - 1;
+  if (low >= high) return;
+  // std::string compares as unsigned bytes, which is the character-code order we want.
+  std::sort(table.begin() + low, table.begin() + high + 1);
+}
+
+int FindNthOccurrence(std::string_view text, std::string_view needle, int n) {
+  if (n < 1 || needle.empty()) return 0;
+  size_t from = 0;
+  size_t pos = std::string_view::npos;
+  for (int i = 0; i < n; ++i) {
+    pos = text.find(needle, from);
+    if (pos == std::string_view::npos) return 0;
+    from = pos + 1;  // the next search starts behind the former hit's first character
+  }
+  return static_cast<int>(pos) + 1;
+}
+
+}  // namespace tessarin
