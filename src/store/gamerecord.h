@@ -106,7 +106,8 @@ std::string_view FieldValue(std::string_view record, char tag);
 // The index in the text that begins right behind a tag: 0 for a placeholder. Throws when no ';'
 // follows (so it is not used for field V).
 int FieldToIndex(std::string_view textBehindTag);
-// Field B of a game, cut at the first ';' behind ";B"; empty for index 0.
+// Field B of a game, cut at the first ';' behind ";B"; empty for index 0 or any index that is
+// no game.
 std::string GameDescription(const GameStore& store, int index);
 // True when the record ends in the presence mark '*'.
 bool IsPresent(std::string_view record);
@@ -131,7 +132,8 @@ void ResetWizsortFields(GameStore& store);
 // go with it).
 void ResetMameinfoField(GameStore& store);
 // The reset of one field of one record: the text behind the tag up to the next ';' becomes the
-// placeholder.
+// placeholder (with no ';' behind, the old value stays behind it). A record without the tag is
+// left as it is.
 void ResetField(std::string& record, char tag, std::string_view placeholder);
 
 }  // namespace tessarin
