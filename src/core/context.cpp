@@ -48,11 +48,6 @@ AppContext::AppContext(const std::string& appFolder)
 
 void AppContext::SetUi(UserInterface* ui) { m_ui = ui ? ui : &Quiet(); }
 
-std::string AppVersion() {
-  return std::to_string(TESSARIN_VERSION_MAJOR) + "." + std::to_string(TESSARIN_VERSION_MINOR) +
-         "." + std::to_string(TESSARIN_VERSION_PATCH);
-}
-
 std::string ResolveAppFolder(const std::string& homeArgument, const std::string& executableFolder) {
   if (!homeArgument.empty()) {
     std::error_code ec;

@@ -28,6 +28,9 @@ class Settings final {
   void InfWrite(std::string_view key, std::string_view value);
   void InfWrite(std::string_view key, long long value);
   void InfWrite(std::string_view key, int value) { InfWrite(key, static_cast<long long>(value)); }
+  // A literal would otherwise take the bool overload (a standard conversion beats the
+  // conversion to string_view) and fail to compile.
+  void InfWrite(std::string_view key, const char* value) { InfWrite(key, std::string_view(value)); }
   // A flag has two stored forms (a check box's tag "1"/"" or a truth value -1/0); say which.
   void InfWrite(std::string_view key, bool value) = delete;
 
