@@ -550,7 +550,8 @@ bool DepthAllowed(std::uint32_t colorType, std::uint32_t depth) {
 // A sample of `depth` bits scaled to a byte, as the pixels are.
 std::uint8_t SampleToByte(std::uint32_t value, std::uint32_t depth) {
   if (depth == 16) return static_cast<std::uint8_t>(value >> 8);
-  if (depth == 8) return static_cast<std::uint8_t>(value);
+  // 8, and any depth a broken header may give, take the low byte.
+  if (depth != 1 && depth != 2 && depth != 4) return static_cast<std::uint8_t>(value);
   std::uint32_t mask = (1u << depth) - 1;
   return static_cast<std::uint8_t>((value & mask) * (255 / mask));
 }
@@ -747,7 +748,7 @@ void LoadPNG::ComputeBkgdColor(const std::uint8_t* data, std::size_t length) {
                         SampleToByte(sample(2), m_bitDepth));
     }
   } else if (length >= 2) {
-    std::uint8_t grey = SampleToByte(sample(0), m_bitDepth == 0 ? 8 : m_bitDepth);
+    std::uint8_t grey = SampleToByte(sample(0), m_bitDepth);
     m_bkgdColor = DisplayColour(grey, grey, grey);
   }
 }

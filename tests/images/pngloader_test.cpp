@@ -502,6 +502,14 @@ TEST_F(PngLoaderTest, InvalidHeaderValuesGiveAnEmptyPicture) {
     EXPECT_EQ(loader.ErrorNumber(), 0);
     EXPECT_TRUE(loader.Picture().Empty());
   }
+  // A bKGD read under a depth that does not exist.
+  for (int type : {0, 2, 4, 6}) {
+    loader.OpenPNGData(Signature() + Ihdr(2, 2, 39, type) +
+                       Chunk("bKGD", "\x12\x34\x56\x78\x9a\xbc") +
+                       Chunk("IDAT", Zlib(RawRgb2x2())) + Chunk("IEND", ""));
+    EXPECT_TRUE(loader.HasBKGDChunk());
+    EXPECT_TRUE(loader.Picture().Empty());
+  }
   // Interlacing other than 0 or 1, and an IDAT without any IHDR.
   loader.OpenPNGData(Signature() + Ihdr(2, 2, 8, 2, 2) + Chunk("IDAT", Zlib(RawRgb2x2())) +
                      Chunk("IEND", ""));
