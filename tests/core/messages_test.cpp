@@ -346,6 +346,28 @@ TEST_F(MessagesTest, EveryLineEndIsALineEnd) {
   ExpectEnglishFrom(5);
 }
 
+TEST_F(MessagesTest, BytesOfAnyCodePageAndLongLinesAreKept) {
+  const std::string longText(1 << 20, 'x');
+  WriteFile(folder / "Bytes.lng", "=\xe9t\xe9 \x80\r\n=" + longText + "\r\n=\xc3\xa9\r\n");
+  PickLanguageFile("Bytes.lng");
+  messages.LoadMessages();
+  EXPECT_EQ(messages.Lng(1), "\xe9t\xe9 \x80");
+  EXPECT_EQ(messages.Lng(2), longText);
+  EXPECT_EQ(messages.Lng(3), "\xc3\xa9");
+  ExpectEnglishFrom(4);
+}
+
+TEST_F(MessagesTest, AnyOtherLanguageNumberMeansEnglish) {
+  InstallFixture("German.lng", "German.lng");
+  PickLanguageFile("German.lng");
+  messages.LanguageNumber = 3;
+  messages.LoadMessages();
+  ExpectEnglishFrom(1);
+  messages.LanguageNumber = -1;
+  messages.LoadMessages();
+  ExpectEnglishFrom(1);
+}
+
 TEST_F(MessagesTest, TheFileNameIsFoundWithoutRegardToCase) {
   InstallFixture("German.lng", "GERMAN.LNG");
   PickLanguageFile("German.lng");
