@@ -1,0 +1,34 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tessarin {
+
+class AppContext;
+class GameStore;
+class Log;
+class Work;
+
+// Reads the emulator's XML game list (the dump of -listxml) into the store: one record per game
+// with the byte offset of its opening line, the fields the list gives, and the tables in order
+// of first appearance. Lines are tested for fixed substrings, not parsed as XML; texts keep
+// their entities. <machine lines count as <game lines; devices (isdevice="yes") make no record
+// and set nothing, and the EndRecord then holds the offset of the first machine line behind
+// the last game.
+//
+// `path` empty means the default dump, and is set to it. Records and names are replaced, the
+// tables are added to. A missing or empty file leaves GameCount() at 0, as does a file with no
+// game line (a legacy list, an error text). A fault (such as a name attribute with no value)
+// goes to the error tracker and ends the import without its EndRecord.
+void ImportListXml(AppContext& ctx, Work& work, std::string& path);
+
+// The same on an explicit store, for callers and tests that have no context.
+void ImportListXml(GameStore& store, Log& log, Work& work, const std::string& path);
+
+// Splits a line at each double quote without copying: attribute names stand in the even
+// pieces, values in the odd ones. n quotes give n + 1 pieces.
+void SplitAtQuotes(std::string_view line, std::vector<std::string_view>& pieces);
+
+}  // namespace tessarin
