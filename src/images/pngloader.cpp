@@ -641,7 +641,8 @@ void LoadPNG::OpenPNGData(std::string_view bytes) {
     // Only a picture near the pixel limit on a machine short of memory gets here.
     m_picture = PngPicture{};
   }
-  if (m_picBox != nullptr) {
+  // Nothing decoded, nothing painted: the target keeps what it showed.
+  if (m_picBox != nullptr && !m_picture.Empty()) {
     m_picBox->PaintPng(m_picture, m_toBkgrnd ? m_toBkgrndX : 0, m_toBkgrnd ? m_toBkgrndY : 0);
   }
 }

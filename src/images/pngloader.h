@@ -65,7 +65,8 @@ class LoadPNG final {
   // `ui` receives the message of a failed fixed-tree build; it may be null.
   explicit LoadPNG(UserInterface* ui = nullptr);
 
-  // Loads the file, decodes it and paints it into the PicBox target when one is set. Never
+  // Loads the file, decodes it and paints it into the PicBox target when one is set and the
+  // picture is not empty. Never
   // throws for a bad file: ErrorNumber tells (1 also when the file can't be read), and a broken
   // deflate stream gives a picture of only the rows that were decoded whole (or an empty one).
   void OpenPNG(const std::string& path);

@@ -118,6 +118,15 @@ TEST_F(PngLoaderTest, EveryFormatEqualsLibpngAfterMixing) {
           spec.interlaced = interlaced;
           spec.withTrns = trns;
           spec.withBkgd = (seed % 2) == 0;
+          spec.withTime = (seed % 3) == 0;
+          std::string text;
+          std::string zText;
+          if (seed % 4 == 1) {
+            spec.texts = {{"Title", "Picture " + std::to_string(seed), false},
+                          {"Comment", "Packed " + std::string(seed % 50, 'x'), true}};
+            text = "Title: Picture " + std::to_string(seed);
+            zText = "Comment: Packed " + std::string(seed % 50, 'x');
+          }
           spec.seed = seed++;
           std::string path = PathOf("f" + std::to_string(files++) + ".png");
           SCOPED_TRACE(testing::Message()
@@ -174,6 +183,9 @@ TEST_F(PngLoaderTest, EveryFormatEqualsLibpngAfterMixing) {
               EXPECT_EQ(loader.HaveTransparence(), trns);
               EXPECT_EQ(loader.HasBKGDChunk(), spec.withBkgd);
               EXPECT_EQ(loader.BkgdColor(), bkgd);
+              EXPECT_EQ(loader.ModiTime(), spec.withTime ? "09.02.2024 07:05:03" : "");
+              EXPECT_EQ(loader.Text(), text);
+              EXPECT_EQ(loader.zText(), zText);
               const PngPicture& picture = loader.Picture();
               ASSERT_EQ(picture.Width, width);
               ASSERT_EQ(picture.Height, height);
@@ -469,6 +481,14 @@ TEST_F(PngLoaderTest, SettingsAreKeptOverLoadsAndThePictureIsPainted) {
     EXPECT_EQ(target.last.Pixels, expected);
     EXPECT_EQ(loader.Picture().Pixels, expected);
   }
+  // A file that gives no picture paints nothing.
+  loader.OpenPNGData(Signature() + Ihdr(2, 2, 8, 6) + Chunk("IEND", ""));
+  EXPECT_EQ(loader.ErrorNumber(), 4);
+  EXPECT_EQ(target.calls, 2);
+  loader.OpenPNGData(Signature() + Ihdr(2, 2, 8, 6) +
+                     Chunk("IDAT", std::string("\x78\x9c\x07", 3)) + Chunk("IEND", ""));
+  EXPECT_EQ(loader.ErrorNumber(), 0);
+  EXPECT_EQ(target.calls, 2);
 }
 
 TEST_F(PngLoaderTest, AbsurdSizesAreRefusedWithoutAllocating) {
