@@ -72,8 +72,9 @@ struct FileCloser {
 
 class XmlImporter final {
  public:
-  XmlImporter(GameStore& store, Work& work)
-      : m_store(store),
+  XmlImporter(GameStore& store, Work& work, size_t blockSize)
+      : m_blockSize(blockSize == 0 ? kBlockSize : blockSize),
+        m_store(store),
         m_work(work),
         m_years(store.YearTable),
         m_manufacturers(store.ManufacturerTable),
@@ -95,7 +96,7 @@ class XmlImporter final {
 
     m_work.ProgressMax = length;
     m_work.ProgressValue = 0;
-    std::vector<char> block(kBlockSize);
+    std::vector<char> block(m_blockSize);
     size_t have = 0;
     long long base = 0;  // file offset of block[0]
     bool atEnd = false;
@@ -259,6 +260,7 @@ class XmlImporter final {
     }
   }
 
+  size_t m_blockSize;
   GameStore& m_store;
   Work& m_work;
   TableLookup m_years, m_manufacturers, m_orientations, m_buttons, m_controls, m_statuses,
@@ -283,7 +285,8 @@ void SplitAtQuotes(std::string_view line, std::vector<std::string_view>& pieces)
   pieces.push_back(line.substr(start));
 }
 
-void ImportListXml(GameStore& store, Log& log, Work& work, const std::string& path) {
+void ImportListXml(GameStore& store, Log& log, Work& work, const std::string& path,
+                   size_t blockSize) {
   // Records and names start afresh; the tables are the caller's to empty.
   std::array<CodeTable, kTableCount> tables;
   for (int t = 0; t < kTableCount; ++t) {
@@ -297,7 +300,7 @@ void ImportListXml(GameStore& store, Log& log, Work& work, const std::string& pa
   store.Reserve(kFirstCapacity);
 
   RunGuarded(log, 3201, [&] {
-    XmlImporter importer(store, work);
+    XmlImporter importer(store, work, blockSize);
     importer.Run(path);
   });
 }

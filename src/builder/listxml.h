@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -24,8 +25,10 @@ class Work;
 // goes to the error tracker and ends the import without its EndRecord.
 void ImportListXml(AppContext& ctx, Work& work, std::string& path);
 
-// The same on an explicit store, for callers and tests that have no context.
-void ImportListXml(GameStore& store, Log& log, Work& work, const std::string& path);
+// The same on an explicit store, for callers and tests that have no context. `blockSize` is the
+// size of the reads (0: the usual 4 MB); tests make it small to put lines across blocks.
+void ImportListXml(GameStore& store, Log& log, Work& work, const std::string& path,
+                   size_t blockSize = 0);
 
 // Splits a line at each double quote without copying: attribute names stand in the even
 // pieces, values in the odd ones. n quotes give n + 1 pieces.
