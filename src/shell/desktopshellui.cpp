@@ -1,0 +1,90 @@
+#include "shell/desktopshellui.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QMessageBox>
+#include <cstdlib>
+
+#include "core/context.h"
+#include "shell/desktopui.h"
+#include "shell/languagedialog.h"
+#include "shell/mainframe.h"
+#include "shell/pathwizarddialog.h"
+#include "shell/picturesui.h"
+#include "shell/windowhelpersui.h"
+
+namespace tessarin {
+
+SiteTablesAccess SiteTables::Access(AppContext& ctx) {
+  SiteTablesAccess access;
+  access.SearchEngines = &SearchEngines;
+  access.OnlineImages = &OnlineImages;
+  // TODO(site list): LoadUrlList's file part and WriteUrlList go here once the on-line
+  // subsystem provides them; until then the tables live for the run only.
+  (void)ctx;
+  return access;
+}
+
+std::unique_ptr<MainFrame> StartDesktop(AppContext& ctx, ShellSession& session, QtUserInterface& ui,
+                                        SiteTables& sites) {
+  StartUpSteps steps;
+  steps.ChooseLanguage = [&ctx] {
+    LanguageDialog dialog(nullptr, ctx);
+    dialog.exec();
+  };
+  steps.RunPathWizard = [&ctx] {
+    PathWizardDialog dialog(nullptr, ctx);
+    dialog.exec();
+  };
+  // TODO(index file): LoadIndex joins here once the store provides it.
+  // TODO(site list): LoadUrlList joins here once the on-line subsystem provides it.
+  if (StartUp(ctx, session, steps) == StartResult::TempFolderFailed) {
+    QMessageBox box(QMessageBox::Critical, QStringLiteral("Tessarin"),
+                    ToQt(TempFolderFailureText(ctx)), QMessageBox::Ok);
+    box.setObjectName(QStringLiteral("TempFolderFailure"));
+    box.exec();
+    return nullptr;
+  }
+  auto frame = std::make_unique<MainFrame>(ctx, session, sites.Access(ctx));
+  frame->LoadIndex = steps.LoadIndex;
+  ui.SetOwner(frame.get());
+  RegisterSubsystemDialogs(*frame);
+  frame->Load();
+  return frame;
+}
+
+int RunDesktopProgram(int argc, char** argv) {
+  QApplication app(argc, argv);
+  QApplication::setApplicationName(QStringLiteral("Tessarin"));
+  QApplication::setWindowIcon(AppIcon());
+  std::string home;
+  const QStringList arguments = QApplication::arguments();
+  for (qsizetype i = 1; i + 1 < arguments.size(); ++i) {
+    if (arguments[i] == QStringLiteral("--home")) home = FromQt(arguments[i + 1]);
+  }
+  const std::string exeFolder = FromQt(QApplication::applicationDirPath());
+  const std::string appFolder = ResolveAppFolder(home, exeFolder);
+  if (!QDir(ToQt(appFolder)).exists()) QDir().mkpath(ToQt(appFolder));
+  // A second instance ends here, silently, having written nothing.
+  InstanceLock lock(appFolder);
+  if (!lock.TryLock()) return 0;
+
+  AppContext ctx(appFolder);
+  QtUserInterface ui(ctx);
+  ctx.SetUi(&ui);
+  ctx.log.SetFatalHandler([&ui](const std::string& logPath) {
+    ui.OpenDocument(logPath);
+    std::exit(1);
+  });
+  ShellSession session;
+  SiteTables sites;
+  std::unique_ptr<MainFrame> frame = StartDesktop(ctx, session, ui, sites);
+  if (!frame) return 1;
+  QObject::connect(&app, &QApplication::lastWindowClosed, &app, &QApplication::quit);
+  const int code = QApplication::exec();
+  frame.reset();
+  ctx.SetUi(nullptr);
+  return code;
+}
+
+}  // namespace tessarin

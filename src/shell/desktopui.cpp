@@ -1,0 +1,79 @@
+#include "shell/desktopui.h"
+
+#include <QDesktopServices>
+#include <QMessageBox>
+#include <QThread>
+#include <QUrl>
+
+#include "core/context.h"
+#include "shell/windowhelpersui.h"
+
+namespace tessarin {
+
+QtUserInterface::QtUserInterface(AppContext& ctx) : m_ctx(ctx) {}
+
+void QtUserInterface::OnUiThread(const std::function<void()>& call) {
+  if (QThread::currentThread() == thread()) {
+    call();
+    return;
+  }
+  QMetaObject::invokeMethod(
+      this, [&call] { call(); }, Qt::BlockingQueuedConnection);
+}
+
+void QtUserInterface::ShowMessage(bool modeless, const std::string& text, const std::string& title,
+                                  Icon icon) {
+  OnUiThread([&] {
+    tessarin::ShowMessage(m_owner, m_ctx, modeless, text, title, static_cast<int>(icon));
+  });
+}
+
+bool QtUserInterface::AskYesNo(const std::string& text, const std::string& title, Icon icon) {
+  bool yes = false;
+  OnUiThread([&] {
+    QMessageBox box(m_owner);
+    box.setObjectName(QStringLiteral("YesNoBox"));
+    box.setWindowTitle(title.empty() ? QStringLiteral("Tessarin") : MessageText(title));
+    box.setText(MessageText(text));
+    switch (icon) {
+      case Icon::Stop:
+        box.setIcon(QMessageBox::Critical);
+        break;
+      case Icon::Warning:
+        box.setIcon(QMessageBox::Warning);
+        break;
+      case Icon::Information:
+        box.setIcon(QMessageBox::Information);
+        break;
+      default:
+        box.setIcon(QMessageBox::Question);
+        break;
+    }
+    box.setStandardButtons(QMessageBox::Yes | QMessageBox::No);
+    box.setDefaultButton(QMessageBox::Yes);
+    box.setEscapeButton(QMessageBox::No);
+    yes = box.exec() == QMessageBox::Yes;
+  });
+  return yes;
+}
+
+std::string QtUserInterface::ChooseFile(const std::string& title, const std::string& startPath,
+                                        const std::string& filter, bool save) {
+  std::string result;
+  OnUiThread([&] { result = FileDialog(m_owner, startPath, save, filter, title); });
+  return result;
+}
+
+void QtUserInterface::OpenDocument(const std::string& pathOrAddress) {
+  OnUiThread([&] {
+    if (OpenHook) {
+      OpenHook(pathOrAddress);
+      return;
+    }
+    const QString target = ToQt(pathOrAddress);
+    const bool isAddress = target.contains(QStringLiteral("://"));
+    QDesktopServices::openUrl(isAddress ? QUrl(target) : QUrl::fromLocalFile(target));
+  });
+}
+
+}  // namespace tessarin

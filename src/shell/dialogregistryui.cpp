@@ -1,0 +1,13 @@
+// Where each subsystem's dialogs join the frame: a subsystem adds one line here, registering the
+// panel entry and menu entries that open its dialog. Entries nobody registers stay disabled.
+#include "shell/mainframe.h"
+
+namespace tessarin {
+
+void RegisterSubsystemDialogs(MainFrame& frame) {
+  // Panel entries: 0 search, 1 database, 2 lists, 4 translation, 5 zip, 6 images.
+  // Menu entries: MnuRecherche, MnuUpdateData, MnuAtomicLayouts, MnuXML2List, MnuCopyTasks.
+  (void)frame;
+}
+
+}  // namespace tessarin

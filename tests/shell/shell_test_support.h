@@ -1,0 +1,82 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <QTemporaryDir>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/context.h"
+#include "core/userinterface.h"
+
+namespace tessarin::shelltest {
+
+// A fresh folder per test, removed at the end. Path() ends with '/'.
+class TempFolder {
+ public:
+  TempFolder() { EXPECT_TRUE(m_dir.isValid()); }
+  std::string Path() const { return m_dir.path().toStdString() + "/"; }
+  std::string operator/(std::string_view name) const { return Path() + std::string(name); }
+
+ private:
+  QTemporaryDir m_dir;
+};
+
+inline std::string ReadFile(const std::string& path) {
+  std::ifstream in(std::filesystem::path(path), std::ios::binary);
+  return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+}
+
+inline void WriteFile(const std::string& path, std::string_view content) {
+  std::ofstream out(std::filesystem::path(path), std::ios::binary | std::ios::trunc);
+  out.write(content.data(), static_cast<std::streamsize>(content.size()));
+  ASSERT_TRUE(out.good()) << path;
+}
+
+inline bool Exists(const std::string& path) { return std::filesystem::exists(path); }
+
+// Records what the program tells the user and answers questions from a script.
+class ScriptedUi final : public UserInterface {
+ public:
+  struct Shown {
+    std::string text;
+    std::string title;
+    Icon icon;
+  };
+  std::vector<Shown> shown;
+  std::vector<std::string> questions;
+  std::vector<std::string> opened;
+  bool answer = false;
+
+  void ShowMessage(bool, const std::string& text, const std::string& title, Icon icon) override {
+    shown.push_back({text, title, icon});
+  }
+  bool AskYesNo(const std::string& text, const std::string&, Icon) override {
+    questions.push_back(text);
+    return answer;
+  }
+  std::string ChooseFile(const std::string&, const std::string&, const std::string&,
+                         bool) override {
+    return {};
+  }
+  void OpenDocument(const std::string& path) override { opened.push_back(path); }
+};
+
+// A context in a temporary folder, with the English messages and a scripted front end.
+struct TestContext {
+  TempFolder folder;
+  AppContext ctx{folder.Path()};
+  ScriptedUi ui;
+  TestContext() {
+    ctx.SetUi(&ui);
+    ctx.messages.LoadMessages();
+  }
+  ~TestContext() { ctx.SetUi(nullptr); }
+  std::string Path(std::string_view name) const { return folder / name; }
+};
+
+}  // namespace tessarin::shelltest

@@ -1,0 +1,614 @@
+// The windows, driven offscreen by their object names: start-up with its first-start dialogs,
+// the frame and the panel, the working dialog, the priority and options dialogs, and the
+// single-instance rule of the real program.
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QComboBox>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFileInfo>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMdiSubWindow>
+#include <QMessageBox>
+#include <QProcess>
+#include <QPushButton>
+#include <QTest>
+#include <QTimer>
+#include <atomic>
+#include <functional>
+
+#include "core/work.h"
+#include "shell/desktopshellui.h"
+#include "shell/desktopui.h"
+#include "shell/mainframe.h"
+#include "shell/mainpanel.h"
+#include "shell/optionsdialog.h"
+#include "shell/pathwizarddialog.h"
+#include "shell/prioritydialog.h"
+#include "shell/startup.h"
+#include "shell/windowhelpersui.h"
+#include "shell/workingdialog.h"
+#include "shell_test_support.h"
+
+namespace tessarin {
+namespace {
+
+using shelltest::ReadFile;
+using shelltest::TempFolder;
+using shelltest::WriteFile;
+
+// Answers modal windows as they come up: `handler` gets each new active modal window and acts
+// on it (clicks a button...). Stops when destroyed.
+class ModalDriver final {
+ public:
+  explicit ModalDriver(std::function<void(QWidget*)> handler) : m_handler(std::move(handler)) {
+    m_timer.setInterval(20);
+    QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [this] {
+      QWidget* modal = QApplication::activeModalWidget();
+      if (!modal || modal == m_last) return;
+      m_last = modal;
+      m_handler(modal);
+      m_last = nullptr;
+    });
+    m_timer.start();
+  }
+
+ private:
+  std::function<void(QWidget*)> m_handler;
+  QTimer m_timer;
+  QPointer<QWidget> m_last;
+};
+
+template <class T>
+T* Child(QWidget* parent, const char* name) {
+  T* child = parent->findChild<T*>(QString::fromLatin1(name));
+  EXPECT_NE(child, nullptr) << name;
+  return child;
+}
+
+void Click(QWidget* parent, const char* name) {
+  if (auto* button = Child<QPushButton>(parent, name)) button->click();
+}
+
+bool WaitFor(const std::function<bool()>& done, int ms = 5000) {
+  QElapsedTimer timer;
+  timer.start();
+  while (!done() && timer.elapsed() < ms) QTest::qWait(10);
+  return done();
+}
+
+// Saves a picture of a window when TESSARIN_SHOTS names a folder (for looking at the layout).
+void Shot(QWidget* widget, const QString& name) {
+  const QString folder = qEnvironmentVariable("TESSARIN_SHOTS");
+  if (folder.isEmpty() || !widget) return;
+  QDir().mkpath(folder);
+  widget->grab().save(folder + QLatin1Char('/') + name + QStringLiteral(".png"));
+}
+
+// One desktop run in a temporary application folder.
+struct DesktopRun {
+  TempFolder folder;
+  AppContext ctx{folder.Path()};
+  QtUserInterface ui{ctx};
+  ShellSession session;
+  SiteTables sites;
+  std::unique_ptr<MainFrame> frame;
+  std::vector<std::string> opened;
+
+  DesktopRun() {
+    ctx.SetUi(&ui);
+    ui.OpenHook = [this](const std::string& path) { opened.push_back(path); };
+  }
+  ~DesktopRun() {
+    if (frame) frame->close();
+    frame.reset();
+    ctx.SetUi(nullptr);
+  }
+  std::string Path(std::string_view name) const { return folder / name; }
+  void Start() {
+    frame = StartDesktop(ctx, session, ui, sites);
+    ASSERT_NE(frame, nullptr);
+    QTest::qWait(50);
+  }
+  std::string StoredKey(const char* key) {
+    Settings reread(ctx.settings.FilePath(), ctx.log);
+    reread.InfLoad();
+    return reread.InfRead(key);
+  }
+};
+
+TEST(DesktopStart, FirstStartAsksTheLanguageThenThePaths) {
+  DesktopRun run;
+  std::vector<QString> seen;
+  ModalDriver driver([&](QWidget* modal) {
+    seen.push_back(modal->objectName());
+    if (modal->objectName() == QStringLiteral("Form2")) {
+      auto* combo = Child<QComboBox>(modal, "Combo1");
+      ASSERT_GE(combo->findText(QStringLiteral("Other...")), 0);
+      combo->setCurrentText(QStringLiteral("Fran\u00e7ais"));
+      Click(modal, "Command1");
+    } else if (modal->objectName() == QStringLiteral("Form4")) {
+      auto* label = Child<QLabel>(modal, "Label1");
+      // The wizard speaks the language just chosen.
+      EXPECT_EQ(label->text(), MessageText(Messages::FrenchTable()[67]));
+      Click(modal, "Command1");
+      auto* text = Child<QLineEdit>(modal, "Text1");
+      text->setText(QStringLiteral("/opt/arcade/mame"));
+      Click(modal, "Command1");
+      EXPECT_EQ(text->text(), QStringLiteral("/opt/arcade/roms/"));
+      Click(modal, "Command2");
+    }
+  });
+  run.Start();
+  ASSERT_EQ(seen.size(), 2u);
+  EXPECT_EQ(seen[0], QStringLiteral("Form2"));
+  EXPECT_EQ(seen[1], QStringLiteral("Form4"));
+  EXPECT_TRUE(run.ctx.FirstRun);
+  EXPECT_EQ(run.ctx.messages.LanguageNumber, Messages::kFrench);
+  EXPECT_EQ(run.StoredKey("MDIState"), "2");
+  EXPECT_EQ(run.StoredKey("DataFile1"), "/opt/arcade/mame");
+  EXPECT_EQ(run.StoredKey("RomPath"), "-1");
+  EXPECT_TRUE(run.frame->isMaximized());
+  EXPECT_EQ(run.frame->windowTitle(), QStringLiteral("Tessarin ") + ToQt(AppVersion()));
+  const std::string temp = run.ctx.TempFolder;
+  EXPECT_TRUE(QFileInfo::exists(ToQt(temp)));
+  run.frame->close();
+  EXPECT_EQ(run.StoredKey("Language"), "0");
+  EXPECT_EQ(run.StoredKey("MDIState"), "2");
+  EXPECT_FALSE(QFileInfo::exists(ToQt(temp)));
+}
+
+TEST(DesktopStart, NormalStartShowsFramePanelAndMenuCaptions) {
+  DesktopRun run;
+  WriteFile(run.Path("Tessarin.inf"), "Language=1\r\nMDIState=0\r\nMDILeft=0\r\nMDITop=0\r\n");
+  run.ctx.store.DatabaseVersion = "0.251 (mame0251)";
+  int modals = 0;
+  ModalDriver driver([&](QWidget*) { ++modals; });
+  run.Start();
+  EXPECT_EQ(modals, 0);
+  EXPECT_FALSE(run.ctx.FirstRun);
+  EXPECT_FALSE(run.frame->isMaximized());
+  // A stored 0 is a place for the frame.
+  EXPECT_EQ(run.frame->pos(), QPoint(0, 0));
+  MainPanel* panel = run.frame->Panel();
+  ASSERT_NE(panel, nullptr);
+  EXPECT_EQ(Child<QLabel>(panel, "Title_0")->text(), QStringLiteral("Search database"));
+  EXPECT_EQ(Child<QLabel>(panel, "Subtitle_1")->text(),
+            QStringLiteral("Create or update the database"));
+  EXPECT_EQ(Child<QLabel>(panel, "Title_5")->text(), QStringLiteral("Zip & Unzip"));
+  EXPECT_EQ(Child<QLabel>(panel, "Label1")->text(),
+            QStringLiteral("Source database : 0.251 (mame0251)"));
+  // Entries without their dialog yet are disabled; notes, options and quit work.
+  for (int i : {0, 1, 2, 4, 5, 6}) {
+    EXPECT_FALSE(Child<QWidget>(panel, QStringLiteral("Entry_%1").arg(i).toLatin1())->isEnabled())
+        << i;
+  }
+  for (int i : {3, 7, 8}) {
+    EXPECT_TRUE(Child<QWidget>(panel, QStringLiteral("Entry_%1").arg(i).toLatin1())->isEnabled())
+        << i;
+  }
+  auto* quit = run.frame->findChild<QAction*>(QStringLiteral("MnuQuitter"));
+  ASSERT_NE(quit, nullptr);
+  EXPECT_EQ(quit->text(), QStringLiteral("&Quit"));
+  auto* find = run.frame->findChild<QAction*>(QStringLiteral("MnuRecherche"));
+  ASSERT_NE(find, nullptr);
+  EXPECT_FALSE(find->isEnabled());
+  Shot(run.frame.get(), QStringLiteral("panel_en"));
+}
+
+TEST(DesktopStart, RegisteredDialogEnablesItsEntryAndBringsThePanelBack) {
+  DesktopRun run;
+  WriteFile(run.Path("Tessarin.inf"), "Language=1\r\nMDIState=0\r\n");
+  run.Start();
+  run.frame->RegisterPanelDialog(1, [](MainFrame& frame) {
+    auto* dialog = new QDialog(&frame);
+    dialog->setObjectName(QStringLiteral("Form3"));
+    return dialog;
+  });
+  MainPanel* panel = run.frame->Panel();
+  ASSERT_NE(panel, nullptr);
+  EXPECT_TRUE(Child<QWidget>(panel, "Entry_1")->isEnabled());
+  QTest::mouseClick(Child<QLabel>(panel, "Title_1"), Qt::LeftButton);
+  ASSERT_TRUE(WaitFor([&] { return run.frame->findChild<QDialog*>(QStringLiteral("Form3")); }));
+  EXPECT_TRUE(WaitFor([&] { return run.frame->Panel() == nullptr; }));
+  run.frame->findChild<QDialog*>(QStringLiteral("Form3"))->close();
+  EXPECT_TRUE(WaitFor([&] { return run.frame->Panel() != nullptr; }));
+}
+
+TEST(DesktopStart, PanelPositionZeroIsCentredButAPositiveOneIsKept) {
+  {
+    DesktopRun run;
+    WriteFile(run.Path("Tessarin.inf"),
+              "Language=1\r\nMDIState=0\r\nForm1Top=0\r\nForm1Left=0\r\n");
+    run.Start();
+    const QPoint place = run.frame->PanelWindow()->pos();
+    EXPECT_NE(place, QPoint(0, 0));
+    EXPECT_GT(place.x(), 0);
+  }
+  {
+    DesktopRun run;
+    WriteFile(run.Path("Tessarin.inf"),
+              "Language=1\r\nMDIState=0\r\nForm1Top=12\r\nForm1Left=15\r\n");
+    run.Start();
+    EXPECT_EQ(run.frame->PanelWindow()->pos(), QPoint(15, 12));
+    run.frame->PanelWindow()->move(20, 25);
+    run.frame->close();
+    EXPECT_EQ(run.StoredKey("Form1Top"), "25");
+    EXPECT_EQ(run.StoredKey("Form1Left"), "20");
+  }
+}
+
+TEST(DesktopStart, FramePositionOffEveryScreenIsIgnored) {
+  DesktopRun run;
+  WriteFile(run.Path("Tessarin.inf"),
+            "Language=1\r\nMDIState=0\r\nMDILeft=9000\r\nMDITop=9000\r\n");
+  run.Start();
+  EXPECT_LT(run.frame->pos().x(), 9000);
+  EXPECT_LT(run.frame->pos().y(), 9000);
+}
+
+TEST(DesktopStart, FrameMinusOneIsCentred) {
+  DesktopRun run;
+  WriteFile(run.Path("Tessarin.inf"), "Language=1\r\nMDIState=0\r\nMDILeft=-1\r\nMDITop=-1\r\n");
+  run.Start();
+  EXPECT_NE(run.frame->pos(), QPoint(0, 0));
+}
+
+TEST(Panel, KeyboardRules) {
+  DesktopRun run;
+  WriteFile(run.Path("Tessarin.inf"), "Language=1\r\nMDIState=0\r\n");
+  run.Start();
+  MainPanel* panel = run.frame->Panel();
+  ASSERT_NE(panel, nullptr);
+  EXPECT_EQ(panel->CurrentEntry(), -1);
+  QTest::keyClick(panel, Qt::Key_Return);
+  EXPECT_EQ(panel->CurrentEntry(), 0);
+  QTest::qWait(20);
+  EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
+  const QColor windowColour = panel->palette().color(QPalette::Window);
+  const QColor buttonText = panel->palette().color(QPalette::ButtonText);
+  EXPECT_EQ(
+      Child<QLabel>(panel, "Title_0")->palette().color(QPalette::Active, QPalette::WindowText),
+      windowColour);
+  QTest::keyClick(panel, Qt::Key_Up);
+  EXPECT_EQ(panel->CurrentEntry(), 8);
+  EXPECT_EQ(
+      Child<QLabel>(panel, "Title_0")->palette().color(QPalette::Active, QPalette::WindowText),
+      buttonText);
+  EXPECT_EQ(
+      Child<QLabel>(panel, "Title_8")->palette().color(QPalette::Active, QPalette::WindowText),
+      windowColour);
+  QTest::keyClick(panel, Qt::Key_Down);
+  EXPECT_EQ(panel->CurrentEntry(), 0);
+  for (int i = 0; i < 7; ++i) QTest::keyClick(panel, Qt::Key_Down);
+  EXPECT_EQ(panel->CurrentEntry(), 7);
+  Shot(run.frame.get(), QStringLiteral("panel_current_en"));
+  QTest::keyClick(panel, Qt::Key_Return);
+  ASSERT_TRUE(WaitFor([&] { return run.frame->findChild<OptionsDialog*>() != nullptr; }));
+  // The panel goes while the options are open and comes back after.
+  EXPECT_TRUE(WaitFor([&] { return run.frame->Panel() == nullptr; }));
+  Click(run.frame->findChild<OptionsDialog*>(), "Command6");
+  EXPECT_TRUE(WaitFor([&] { return run.frame->Panel() != nullptr; }));
+}
+
+TEST(Panel, DownPictureWhilePressed) {
+  DesktopRun run;
+  WriteFile(run.Path("Tessarin.inf"), "Language=1\r\nMDIState=0\r\n");
+  run.Start();
+  MainPanel* panel = run.frame->Panel();
+  ASSERT_NE(panel, nullptr);
+  auto* icon = Child<QLabel>(panel, "Image_7");
+  const QImage up = icon->pixmap().toImage();
+  QTest::mousePress(icon, Qt::LeftButton);
+  EXPECT_TRUE(panel->ShowsDownPicture(7));
+  EXPECT_NE(icon->pixmap().toImage(), up);
+  QTest::mouseRelease(icon, Qt::LeftButton);
+  EXPECT_FALSE(panel->ShowsDownPicture(7));
+  EXPECT_EQ(icon->pixmap().toImage(), up);
+  EXPECT_TRUE(WaitFor([&] { return run.frame->findChild<OptionsDialog*>() != nullptr; }));
+}
+
+TEST(Panel, NotesEntryCreatesTheFileUnderTheWorkingDialogAndOpensIt) {
+  DesktopRun run;
+  WriteFile(run.Path("Tessarin.inf"), "Language=1\r\nMDIState=0\r\n");
+  run.Start();
+  std::string record = NewXmlRecord("pacman", 0);
+  FieldSet(record, "#Z", "Pac-Man");
+  run.ctx.store.AppendGame("pacman", record);
+  run.frame->RunEntry(3);
+  ASSERT_EQ(run.opened.size(), 1u);
+  EXPECT_EQ(run.opened[0], run.Path("NOTES.TXT"));
+  EXPECT_NE(ReadFile(run.Path("NOTES.TXT")).find("[pacman] Pac-Man\r\n\r\n"), std::string::npos);
+  // A second time the file is only opened.
+  run.frame->RunEntry(3);
+  EXPECT_EQ(run.opened.size(), 2u);
+  EXPECT_NE(run.frame->Panel(), nullptr);
+}
+
+// --- Working dialog ---
+
+struct WorkingFixture {
+  TempFolder folder;
+  AppContext ctx{folder.Path()};
+  shelltest::ScriptedUi ui;
+  WorkingFixture() {
+    ctx.SetUi(&ui);
+    ctx.messages.LoadMessages();
+  }
+  ~WorkingFixture() { ctx.SetUi(nullptr); }
+};
+
+TEST(WorkingDialog, PercentFramesTitleAndCancelQuestion) {
+  WorkingFixture f;
+  std::atomic<bool> release{false};
+  bool checked = false;
+  QTimer::singleShot(100, [&] {
+    auto* dialog = qobject_cast<WorkingDialog*>(QApplication::activeModalWidget());
+    ASSERT_NE(dialog, nullptr);
+    EXPECT_EQ(Child<QLabel>(dialog, "Label1")->text(), QStringLiteral("Create Notes.txt file"));
+    EXPECT_EQ(dialog->windowTitle(), QStringLiteral("Working..."));
+    EXPECT_EQ(dialog->ProgressFrame(), 0);
+    dialog->Tick();  // 0 of 10: 1 percent, frame 0
+    EXPECT_EQ(dialog->ProgressFrame(), 0);
+    EXPECT_EQ(dialog->windowTitle(), QStringLiteral("Working... -"));
+    Shot(dialog, QStringLiteral("working_en"));
+    f.ui.answer = false;
+    Click(dialog, "Command1");
+    ASSERT_EQ(f.ui.questions.size(), 1u);
+    EXPECT_EQ(f.ui.questions[0], f.ctx.messages.Lng(311));
+    release = true;  // the job moves on to 15 of 10
+    QTest::qWait(100);
+    dialog->Tick();
+    EXPECT_EQ(dialog->ProgressFrame(), 20);
+    EXPECT_EQ(dialog->windowTitle(), QStringLiteral("Working... \\"));
+    dialog->Tick();
+    dialog->Tick();
+    EXPECT_EQ(dialog->windowTitle(), QStringLiteral("Working... /"));
+    EXPECT_EQ(dialog->TickCount(), 0);
+    f.ui.answer = true;
+    Click(dialog, "Command1");
+    checked = true;
+  });
+  bool sawCancel = false;
+  const bool completed = RunWithWorkingDialog(nullptr, f.ctx, f.ctx.messages.Lng(31), [&](Work& w) {
+    w.ProgressMax = 10;
+    w.ProgressValue = 0;
+    while (!release) QThread::msleep(5);
+    w.ProgressValue = 15;
+    // A no lets the job go on; it ends only on a yes.
+    while (!w.CancelRequested) QThread::msleep(5);
+    sawCancel = true;
+  });
+  EXPECT_TRUE(checked);
+  EXPECT_TRUE(sawCancel);
+  EXPECT_FALSE(completed);
+  EXPECT_EQ(f.ui.questions.size(), 2u);
+  EXPECT_NE(f.ctx.settings.InfRead("FrmWorkTop"), "-1");
+  EXPECT_NE(f.ctx.settings.InfRead("FrmWorkLeft"), "-1");
+}
+
+TEST(WorkingDialog, UnknownMaximumShowsFrameZero) {
+  WorkingFixture f;
+  int frame = -1;
+  QTimer::singleShot(50, [&] {
+    auto* dialog = qobject_cast<WorkingDialog*>(QApplication::activeModalWidget());
+    ASSERT_NE(dialog, nullptr);
+    dialog->Tick();
+    frame = dialog->ProgressFrame();
+  });
+  std::atomic<bool> stop{false};
+  QTimer::singleShot(150, [&] { stop = true; });
+  EXPECT_TRUE(RunWithWorkingDialog(nullptr, f.ctx, "x", [&](Work& w) {
+    w.ProgressMax = 0;
+    w.ProgressValue = 50;
+    while (!stop) QThread::msleep(5);
+  }));
+  EXPECT_EQ(frame, 0);
+}
+
+TEST(WorkingDialog, JobAsksTheUserOnTheInterfaceThread) {
+  TempFolder folder;
+  AppContext ctx(folder.Path());
+  ctx.messages.LoadMessages();
+  QtUserInterface ui(ctx);
+  ctx.SetUi(&ui);
+  ModalDriver driver([](QWidget* modal) {
+    if (auto* box = qobject_cast<QMessageBox*>(modal)) {
+      EXPECT_EQ(box->text(), QStringLiteral("first line\nsecond line"));
+      box->button(QMessageBox::Yes)->click();
+    }
+  });
+  bool answer = false;
+  EXPECT_TRUE(RunWithWorkingDialog(nullptr, ctx, "asking", [&](Work&) {
+    answer = ctx.Ui().AskYesNo("first line|second line", "Question", Icon::Question);
+  }));
+  EXPECT_TRUE(answer);
+  ctx.SetUi(nullptr);
+}
+
+TEST(WorkingDialog, StoredPositionIsUsed) {
+  WorkingFixture f;
+  f.ctx.settings.InfWrite("FrmWorkTop", 40);
+  f.ctx.settings.InfWrite("FrmWorkLeft", 30);
+  QPoint place;
+  QTimer::singleShot(50, [&] { place = QApplication::activeModalWidget()->pos(); });
+  std::atomic<bool> stop{false};
+  QTimer::singleShot(120, [&] { stop = true; });
+  RunWithWorkingDialog(nullptr, f.ctx, "x", [&](Work&) {
+    while (!stop) QThread::msleep(5);
+  });
+  EXPECT_EQ(place, QPoint(30, 40));
+}
+
+// --- Message box ---
+
+TEST(MessageBox, BarsBecomeLinesAndEmptyTextIsDone) {
+  WorkingFixture f;
+  QWidget frame;
+  ShowMessage(&frame, f.ctx, true, "one|two", "", 0);
+  auto* box = frame.findChild<QDialog*>(QStringLiteral("Form11"));
+  ASSERT_NE(box, nullptr);
+  EXPECT_TRUE(box->isVisible());
+  EXPECT_EQ(box->windowTitle(), QStringLiteral("Tessarin"));
+  EXPECT_EQ(Child<QLabel>(box, "Label1")->text(), QStringLiteral("one\ntwo"));
+  Click(box, "Command1");
+  QTest::qWait(20);
+  ModalDriver driver([](QWidget* modal) {
+    EXPECT_EQ(modal->objectName(), QStringLiteral("Form11"));
+    EXPECT_EQ(Child<QLabel>(modal, "Label1")->text(), QStringLiteral("Done."));
+    Click(modal, "Command1");
+  });
+  ShowMessage(&frame, f.ctx, false, "", "Title", 48);
+}
+
+// --- Priority ---
+
+TEST(PriorityDialog, RowsApplyAtOnceAndMarkTheChoice) {
+  WorkingFixture f;
+  ShellSession session;
+  PriorityDialog dialog(nullptr, f.ctx, session);
+  EXPECT_EQ(Tag(Child<QLabel>(&dialog, "Radio_1")), QStringLiteral("1"));
+  EXPECT_EQ(Tag(Child<QLabel>(&dialog, "Radio_0")), QString());
+  EXPECT_EQ(Child<QLabel>(&dialog, "RadioTxt_2")->text(), QStringLiteral("High"));
+  QTest::mouseClick(Child<QLabel>(&dialog, "Radio_2"), Qt::LeftButton);
+  EXPECT_EQ(session.PriorityChoice, 2);
+  EXPECT_EQ(Tag(Child<QLabel>(&dialog, "Radio_2")), QStringLiteral("1"));
+  EXPECT_EQ(Tag(Child<QLabel>(&dialog, "Radio_1")), QString());
+  QTest::mouseClick(Child<QLabel>(&dialog, "RadioTxt_1"), Qt::LeftButton);
+  EXPECT_EQ(session.PriorityChoice, 1);
+  const std::string log = ReadFile(f.ctx.log.LogPath());
+  EXPECT_NE(log.find("PRIORITY= 2"), std::string::npos);
+  EXPECT_NE(log.find("PRIORITY= 1"), std::string::npos);
+}
+
+// --- Options ---
+
+TEST(OptionsDialog, CancelKeepsPathsAndSaveWritesThem) {
+  DesktopRun run;
+  WriteFile(run.Path("Tessarin.inf"), "Language=1\r\nMDIState=0\r\nRomPath=/old/\r\n");
+  run.sites.SearchEngines = {"MAWS:http://maws.example/#ROMNAME#"};
+  run.Start();
+  {
+    OptionsDialog dialog(run.frame.get(), run.ctx, run.sites.Access(run.ctx));
+    EXPECT_EQ(Child<QLineEdit>(&dialog, "Text2")->text(), QStringLiteral("/old/"));
+    EXPECT_EQ(Child<QLineEdit>(&dialog, "Text1")->text(), QString());
+    Child<QLineEdit>(&dialog, "Text2")->setText(QStringLiteral("/new/"));
+    auto* address = Child<QLineEdit>(&dialog, "Text6");
+    EXPECT_EQ(address->text(), QStringLiteral("http://maws.example/#ROMNAME#"));
+    address->setText(QStringLiteral("http://other.example/#ROMNAME#"));
+    Q_EMIT address->textEdited(address->text());
+    Click(&dialog, "Command6");
+  }
+  EXPECT_EQ(run.StoredKey("RomPath"), "/old/");
+  // The site table changed at once and stays changed.
+  EXPECT_EQ(run.sites.SearchEngines[0], "MAWS:http://other.example/#ROMNAME#");
+  {
+    OptionsDialog dialog(run.frame.get(), run.ctx, run.sites.Access(run.ctx));
+    Shot(&dialog, QStringLiteral("options_en"));
+    auto* files = Child<QComboBox>(&dialog, "Combo2");
+    auto* path = Child<QLineEdit>(&dialog, "Text3");
+    files->setCurrentIndex(1);
+    path->setText(QStringLiteral("/data/mameinfo.dat"));
+    Q_EMIT path->textEdited(path->text());
+    files->setCurrentIndex(0);
+    EXPECT_EQ(path->text(), QString());
+    files->setCurrentIndex(1);
+    EXPECT_EQ(path->text(), QStringLiteral("/data/mameinfo.dat"));
+    Child<QLineEdit>(&dialog, "Text2")->setText(QStringLiteral("/new/"));
+    Child<QComboBox>(&dialog, "Combo1")->setCurrentText(QStringLiteral("Fran\u00e7ais"));
+    Click(&dialog, "Command5");
+  }
+  EXPECT_EQ(run.StoredKey("RomPath"), "/new/");
+  EXPECT_EQ(run.StoredKey("DataFile3"), "/data/mameinfo.dat");
+  EXPECT_EQ(run.StoredKey("Language"), "0");
+  EXPECT_TRUE(run.ctx.SearchMayClose);
+  // The open frame keeps its captions until the next start.
+  EXPECT_EQ(run.frame->findChild<QAction*>(QStringLiteral("MnuQuitter"))->text(),
+            QStringLiteral("&Quit"));
+}
+
+// --- Screens in French ---
+
+TEST(Look, FrenchWindows) {
+  DesktopRun run;
+  WriteFile(run.Path("Tessarin.inf"), "Language=0\r\nMDIState=0\r\n");
+  run.Start();
+  EXPECT_EQ(Child<QLabel>(run.frame->Panel(), "Title_7")->text(),
+            ToQt(Messages::FrenchTable()[15]));
+  Shot(run.frame.get(), QStringLiteral("panel_fr"));
+  OptionsDialog options(run.frame.get(), run.ctx, run.sites.Access(run.ctx));
+  options.show();
+  QTest::qWait(20);
+  Shot(&options, QStringLiteral("options_fr"));
+  options.close();
+  for (int language : {Messages::kEnglish, Messages::kFrench}) {
+    run.ctx.messages.LanguageNumber = language;
+    run.ctx.messages.LoadMessages();
+    const QString suffix =
+        language == Messages::kFrench ? QStringLiteral("_fr") : QStringLiteral("_en");
+    PathWizardDialog wizard(nullptr, run.ctx);
+    wizard.show();
+    QTest::qWait(20);
+    Shot(&wizard, QStringLiteral("wizard0") + suffix);
+    Click(&wizard, "Command1");
+    QTest::qWait(20);
+    Shot(&wizard, QStringLiteral("wizard1") + suffix);
+    EXPECT_TRUE(Child<QLineEdit>(&wizard, "Text1")->isVisible());
+    wizard.close();
+    std::atomic<bool> stop{false};
+    QTimer::singleShot(60, [&] {
+      auto* dialog = qobject_cast<WorkingDialog*>(QApplication::activeModalWidget());
+      if (dialog) {
+        dialog->Tick();
+        Shot(dialog, QStringLiteral("working") + suffix);
+      }
+      stop = true;
+    });
+    RunWithWorkingDialog(run.frame.get(), run.ctx, run.ctx.messages.Lng(31), [&](Work& w) {
+      w.ProgressMax = 100;
+      w.ProgressValue = 45;
+      while (!stop) QThread::msleep(5);
+    });
+  }
+}
+
+// --- The real program ---
+
+TEST(Program, SecondInstanceEndsSilentlyAndTouchesNothing) {
+  const QString program = QStringLiteral(TESSARIN_BINARY_DIR "/src/tessarin");
+  if (!QFileInfo::exists(program)) GTEST_SKIP() << "the program is not built";
+  TempFolder home;
+  WriteFile(home / "Tessarin.inf", "Language=1\r\nMDIState=0\r\n");
+  QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+  env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+  QProcess first;
+  first.setProcessEnvironment(env);
+  first.start(program, {QStringLiteral("--home"), ToQt(home.Path())});
+  ASSERT_TRUE(first.waitForStarted());
+  // The first run is up once its folders exist.
+  ASSERT_TRUE(WaitFor([&] { return QFileInfo::exists(ToQt(home / "HTML/help.htm")); }, 15000));
+  ASSERT_TRUE(QFileInfo::exists(ToQt(home / "Tessarin.lock")));
+  WriteFile(home / "Tessarin.log.txt", "first run's log\r\n");
+  const QStringList before =
+      QDir(ToQt(home.Path())).entryList(QDir::AllEntries | QDir::NoDotAndDotDot);
+  const std::string settingsBefore = ReadFile(home / "Tessarin.inf");
+
+  QProcess second;
+  second.setProcessEnvironment(env);
+  second.start(program, {QStringLiteral("--home"), ToQt(home.Path())});
+  ASSERT_TRUE(second.waitForFinished(15000));
+  EXPECT_EQ(second.exitStatus(), QProcess::NormalExit);
+  EXPECT_EQ(second.exitCode(), 0);
+  EXPECT_TRUE(second.readAllStandardOutput().isEmpty());
+  EXPECT_EQ(ReadFile(home / "Tessarin.log.txt"), "first run's log\r\n");
+  EXPECT_EQ(ReadFile(home / "Tessarin.inf"), settingsBefore);
+  EXPECT_EQ(QDir(ToQt(home.Path())).entryList(QDir::AllEntries | QDir::NoDotAndDotDot), before);
+  EXPECT_EQ(first.state(), QProcess::Running);
+  first.kill();
+  first.waitForFinished(5000);
+}
+
+}  // namespace
+}  // namespace tessarin
