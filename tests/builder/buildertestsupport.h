@@ -14,7 +14,7 @@
 #include "core/context.h"
 #include "core/userinterface.h"
 
-namespace tessarin::testing {
+namespace tessarin::buildertest {
 
 inline std::string BuilderFixture(const std::string& relative) {
   return std::string(TESSARIN_TEST_DATA) + "/builder/" + relative;
@@ -90,4 +90,4 @@ class TestHome {
   AppContext ctx;
 };
 
-}  // namespace tessarin::testing
+}  // namespace tessarin::buildertest

@@ -10,9 +10,9 @@
 namespace tessarin {
 namespace {
 
-using testing::ReadBytes;
-using testing::TestHome;
-using testing::WriteBytes;
+using buildertest::ReadBytes;
+using buildertest::TestHome;
+using buildertest::WriteBytes;
 
 const char* const kTitles =
     "[Manufacturer]\r\n[Year]\r\n[Orientation]\r\n[Buttons]\r\n[Controls]\r\n[Status]\r\n"

@@ -10,11 +10,11 @@
 namespace tessarin {
 namespace {
 
-using testing::BuilderFixture;
-using testing::LineStartOf;
-using testing::ReadBytes;
-using testing::TestHome;
-using testing::WriteBytes;
+using buildertest::BuilderFixture;
+using buildertest::LineStartOf;
+using buildertest::ReadBytes;
+using buildertest::TestHome;
+using buildertest::WriteBytes;
 
 // A legacy record written out field by field: name;0;à<offset>, then the fields.
 std::string Legacy(const std::string& name, size_t offset, const std::string& b,

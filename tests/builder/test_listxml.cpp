@@ -10,11 +10,11 @@
 namespace tessarin {
 namespace {
 
-using testing::BuilderFixture;
-using testing::LineStartOf;
-using testing::ReadBytes;
-using testing::TestHome;
-using testing::WriteBytes;
+using buildertest::BuilderFixture;
+using buildertest::LineStartOf;
+using buildertest::ReadBytes;
+using buildertest::TestHome;
+using buildertest::WriteBytes;
 
 constexpr const char* kUnsetTail = ";I#G;J#CA;K#V;L#X;M#BI;";
 

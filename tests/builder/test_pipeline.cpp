@@ -11,10 +11,10 @@
 namespace tessarin {
 namespace {
 
-using testing::BuilderFixture;
-using testing::ReadBytes;
-using testing::TestHome;
-using testing::WriteBytes;
+using buildertest::BuilderFixture;
+using buildertest::ReadBytes;
+using buildertest::TestHome;
+using buildertest::WriteBytes;
 
 // The fields that only data files fill, as a build without them leaves them.
 const char* const kDataFields[] = {";I#G;",  ";J#CA;", ";K#V;",  ";L#X;",  ";M#BI;", ";O#N;",
