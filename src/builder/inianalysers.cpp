@@ -54,17 +54,17 @@ void ProgressToEnd(Work& work) { work.ProgressValue = work.ProgressMax.load(); }
 // A `[value]` title names the value of the rom names below it. The title loses its first and
 // last characters without a check that they are brackets, and is not trimmed inside. Lines
 // before the first title go with the empty value. `versions` puts the values through
-// VersionIndex instead of FindOrAppend. Gives false when cancelled.
+// VersionIndex instead of FindOrAppend. `emptyLinesAreNames` sends empty lines on to FindGame as
+// Catlist.ini's reader always did (they find nothing there). Gives false when cancelled.
 bool ReadSectionList(DataLineReader& reader, Work& work, GameStore& store, CodeTable& table,
-                     bool versions, std::string_view placeholder) {
+                     bool versions, std::string_view placeholder, bool emptyLinesAreNames = false) {
   bool cancelled = false;
   std::string value;
   std::string_view line;
   while (NextLine(reader, work, line, cancelled)) {
     const std::string_view text = TrimBlanks(line);
-    // An empty line would go to FindGame and find nothing there.
-    if (text.empty()) continue;
-    if (text.front() == '[') {
+    if (text.empty() && !emptyLinesAreNames) continue;
+    if (!text.empty() && text.front() == '[') {
       value.assign(text.size() >= 2 ? text.substr(1, text.size() - 2) : std::string_view());
       continue;
     }
@@ -256,7 +256,7 @@ bool AnalyseCatlist(AppContext& ctx, bool reset, Work& work) {
     ctx.log.WriteLogLine(AnalysingLine(path, "  for categories."));
     DataLineReader reader;
     if (!OpenWithProgress(reader, path, work)) return;
-    result = ReadSectionList(reader, work, store, store.CategoryTable, false, "#CA");
+    result = ReadSectionList(reader, work, store, store.CategoryTable, false, "#CA", true);
     reader.Close();
   });
   return result;

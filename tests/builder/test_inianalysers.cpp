@@ -438,5 +438,17 @@ TEST_F(AnalyserTest, WizsortResetMissingAndCancel) {
   EXPECT_EQ(Field("alpha", 'I'), "#G");
 }
 
+TEST_F(AnalyserTest, OnlyCatlistSendsEmptyLinesToFindGame) {
+  // No import makes a game without a name; one here shows which reader looks empty lines up.
+  AddGame("");
+  WriteFile(app + "DataFiles/Catlist.ini", "[Maze]\n\nalpha\n");
+  WriteFile(app + "DataFiles/genre.inf", "[Maze]\n\nalpha\n");
+  EXPECT_TRUE(AnalyseCatlist(*ctx, false, work));
+  EXPECT_TRUE(AnalyseGenre(*ctx, false, work));
+  EXPECT_EQ(Field("", 'J'), "1");
+  EXPECT_EQ(Field("", 'I'), "#G");
+  EXPECT_EQ(Field("alpha", 'I'), "1");
+}
+
 }  // namespace
 }  // namespace tessarin
