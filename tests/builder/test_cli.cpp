@@ -1,0 +1,206 @@
+#include <gtest/gtest.h>
+
+#include <QProcess>
+#include <QProcessEnvironment>
+#include <QStringList>
+#include <QTemporaryDir>
+#include <filesystem>
+
+#include "buildertestsupport.h"
+#include "store/indexfile.h"
+
+namespace tessarin {
+namespace {
+
+using buildertest::BuilderFixture;
+using buildertest::ReadBytes;
+using buildertest::WriteBytes;
+
+struct CliResult {
+  int exitCode = -1;
+  std::string out, err;
+};
+
+// Runs tessarin-cli as a user would, with standard input closed (no terminal to ask on).
+CliResult RunCli(const std::vector<std::string>& args,
+                 const std::vector<std::pair<QString, QString>>& env = {}) {
+  QProcess process;
+  QStringList list;
+  for (const std::string& a : args) list << QString::fromStdString(a);
+  QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+  for (const auto& [name, value] : env) environment.insert(name, value);
+  process.setProcessEnvironment(environment);
+  process.setStandardInputFile(QProcess::nullDevice());
+  process.start(QStringLiteral(TESSARIN_CLI_PATH), list);
+  CliResult result;
+  if (!process.waitForStarted(30000) || !process.waitForFinished(120000)) return result;
+  result.exitCode = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -2;
+  result.out = process.readAllStandardOutput().toStdString();
+  result.err = process.readAllStandardError().toStdString();
+  return result;
+}
+
+class Cli : public ::testing::Test {
+ protected:
+  std::string Home() const { return m_dir.path().toStdString(); }
+  std::vector<std::string> With(std::initializer_list<std::string> args) const {
+    std::vector<std::string> all = {"--home", Home()};
+    all.insert(all.end(), args);
+    return all;
+  }
+  void Build() {
+    const CliResult built =
+        RunCli(With({"build", "--emulator", BuilderFixture("cli/fake-mame.sh")}));
+    ASSERT_EQ(built.exitCode, 0) << built.out << built.err;
+  }
+  std::string IndexLineOf(const std::string& name) const {
+    const std::string index = ReadBytes(IndexFilePath(Home()));
+    const size_t at = index.find("\r\n" + name + ";");
+    if (at == std::string::npos) return {};
+    const size_t end = index.find("\r\n", at + 2);
+    return index.substr(at + 2, end - at - 2);
+  }
+
+  QTemporaryDir m_dir;
+};
+
+TEST_F(Cli, EveryCommandHasHelp) {
+  const CliResult top = RunCli({"--help"});
+  EXPECT_EQ(top.exitCode, 0);
+  for (const char* command :
+       {"build", "update", "scan-roms", "info", "record", "table", "get", "set"}) {
+    const CliResult help = RunCli({command, "--help"});
+    EXPECT_EQ(help.exitCode, 0) << command;
+    EXPECT_NE(help.out.find(command), std::string::npos) << help.out;
+    EXPECT_NE(top.out.find(command), std::string::npos) << command;
+  }
+}
+
+TEST_F(Cli, UsageErrorsGiveExitCodeTwo) {
+  EXPECT_EQ(RunCli(With({})).exitCode, 2);
+  EXPECT_EQ(RunCli(With({"frobnicate"})).exitCode, 2);
+  EXPECT_EQ(RunCli(With({"update", "bogus"})).exitCode, 2);
+  EXPECT_EQ(RunCli(With({"record"})).exitCode, 2);
+  EXPECT_EQ(RunCli(With({"build", "--dump", Home() + "/missing.xml"})).exitCode, 2);
+  const CliResult noEmulator = RunCli(With({"build", "--emulator", Home() + "/no-mame"}));
+  EXPECT_EQ(noEmulator.exitCode, 2);
+  EXPECT_NE(noEmulator.err.find("No emulator"), std::string::npos);
+}
+
+TEST_F(Cli, WithoutDatabaseTheReadersFail) {
+  const CliResult info = RunCli(With({"info"}));
+  EXPECT_EQ(info.exitCode, 1);
+  EXPECT_NE(info.err.find("The database doesn't exist."), std::string::npos);
+  EXPECT_EQ(RunCli(With({"record", "pacman"})).exitCode, 1);
+  EXPECT_EQ(RunCli(With({"table", "Year"})).exitCode, 1);
+  EXPECT_EQ(RunCli(With({"scan-roms"})).exitCode, 1);
+}
+
+TEST_F(Cli, BuildThenReadTheDatabase) {
+  Build();
+  const CliResult info = RunCli(With({"info"}));
+  ASSERT_EQ(info.exitCode, 0) << info.err;
+  EXPECT_NE(info.out.find("Database version: MAME v0.999 (fake for tests)\n"), std::string::npos);
+  EXPECT_NE(info.out.find("GameCount: 5\n"), std::string::npos);
+  EXPECT_NE(info.out.find("LongestNameLength: 7\n"), std::string::npos);
+  EXPECT_NE(info.out.find("SourceIsXml: true\n"), std::string::npos);
+  EXPECT_NE(info.out.find("[Driver]: 4\n"), std::string::npos);
+  EXPECT_NE(info.out.find("[Genre]: 0\n"), std::string::npos);
+
+  const CliResult record = RunCli(With({"record", "pacman"}));
+  ASSERT_EQ(record.exitCode, 0);
+  const std::string line = IndexLineOf("pacman");
+  ASSERT_FALSE(line.empty());
+  EXPECT_EQ(record.out, line + "\n");
+  EXPECT_NE(line.find(";Spuckman;"), std::string::npos);
+
+  // The year code of the record leads through the table to the year.
+  const CliResult years = RunCli(With({"table", "Year"}));
+  ASSERT_EQ(years.exitCode, 0);
+  EXPECT_EQ(years.out, "1\t1980\n2\t1981\n3\t1991\n4\t1990\n");
+  EXPECT_NE(line.find(";D1;"), std::string::npos);
+  const CliResult orientations = RunCli(With({"table", "Orientation"}));
+  EXPECT_EQ(orientations.out, "1\t90\n2\t270\n3\t0\n");
+  EXPECT_NE(line.find(";E1;"), std::string::npos);
+
+  const CliResult unknown = RunCli(With({"record", "nosuchgame"}));
+  EXPECT_EQ(unknown.exitCode, 1);
+  EXPECT_NE(unknown.err.find("nosuchgame"), std::string::npos);
+  const CliResult badTable = RunCli(With({"table", "Years"}));
+  EXPECT_EQ(badTable.exitCode, 2);
+  EXPECT_NE(badTable.err.find("Manufacturer"), std::string::npos);
+}
+
+TEST_F(Cli, RebuildAsksFirst) {
+  Build();
+  const std::string before = ReadBytes(IndexFilePath(Home()));
+  const CliResult refused = RunCli(With({"build"}));
+  EXPECT_EQ(refused.exitCode, 1);
+  EXPECT_NE(refused.err.find("--yes"), std::string::npos);
+  EXPECT_EQ(ReadBytes(IndexFilePath(Home())), before);
+  const CliResult accepted = RunCli(With({"--yes", "build"}));
+  EXPECT_EQ(accepted.exitCode, 0) << accepted.err;
+}
+
+TEST_F(Cli, BuildFromAGivenDump) {
+  const CliResult built =
+      RunCli(With({"build", "--dump", BuilderFixture("dumps/legacy_crlf.listinfo")}));
+  ASSERT_EQ(built.exitCode, 0) << built.out << built.err;
+  const CliResult info = RunCli(With({"info"}));
+  EXPECT_NE(info.out.find("GameCount: 4\n"), std::string::npos);
+  EXPECT_NE(info.out.find("SourceIsXml: false\n"), std::string::npos);
+  EXPECT_EQ(RunCli(With({"record", "pacman"})).out, IndexLineOf("pacman") + "\n");
+}
+
+TEST_F(Cli, BuildWithASilentEmulatorFails) {
+  const CliResult built = RunCli(With({"build", "--emulator", BuilderFixture("cli/fake-mame.sh")}),
+                                 {{QStringLiteral("TESSARIN_FAKE_SILENT"), QStringLiteral("1")}});
+  EXPECT_EQ(built.exitCode, 1);
+  EXPECT_NE(built.out.find("MAME commands -listxml and -listinfo gave nothing."),
+            std::string::npos);
+  EXPECT_FALSE(std::filesystem::exists(IndexFilePath(Home())));
+}
+
+TEST_F(Cli, SettingsGetAndSet) {
+  EXPECT_EQ(RunCli(With({"get", "Frm7Skin"})).out, "-1\n");
+  EXPECT_EQ(RunCli(With({"set", "Frm7Skin", "Blue sky"})).exitCode, 0);
+  const CliResult got = RunCli(With({"get", "Frm7Skin"}));
+  EXPECT_EQ(got.exitCode, 0);
+  EXPECT_EQ(got.out, "Blue sky\n");
+}
+
+TEST_F(Cli, ScanRomsMarksTheGamesFound) {
+  Build();
+  const std::string roms = Home() + "/my roms";
+  std::filesystem::create_directories(roms);
+  WriteBytes(roms + "/pacman.zip", "zip");
+  WriteBytes(roms + "/dkong.zip", "zip");
+  const CliResult scanned = RunCli(With({"scan-roms", "--rom-path", roms}));
+  ASSERT_EQ(scanned.exitCode, 0) << scanned.err;
+  EXPECT_NE(scanned.out.find("2 games present"), std::string::npos) << scanned.out;
+  const std::string record = RunCli(With({"record", "dkong"})).out;
+  EXPECT_EQ(record.substr(record.size() - 3), "**\n");
+  EXPECT_EQ(RunCli(With({"get", "RomPath"})).out, roms + "/\n");
+  EXPECT_EQ(RunCli(With({"scan-roms", "--rom-path", roms + "/none"})).exitCode, 2);
+}
+
+TEST_F(Cli, UpdateWithKindsAndFromFiles) {
+  Build();
+  WriteBytes(Home() + "/DataFiles/cheat.dat", ":dkong:0:1:2:Infinite lives\r\n");
+  const CliResult selected = RunCli(With({"update", "cheat", "command"}));
+  ASSERT_EQ(selected.exitCode, 0) << selected.err;
+  EXPECT_NE(selected.out.find("Cheat.dat = Ok"), std::string::npos);
+  EXPECT_EQ(selected.out.find("Command.dat = Ok"), std::string::npos);
+  EXPECT_NE(IndexLineOf("dkong").find(";R1;"), std::string::npos);
+
+  WriteBytes(Home() + "/DataFiles/hiscore.dat", "sf2:0:1:1:0\r\n");
+  const CliResult refused = RunCli(With({"update"}));
+  EXPECT_EQ(refused.exitCode, 1);
+  const CliResult all = RunCli(With({"--yes", "update"}));
+  ASSERT_EQ(all.exitCode, 0) << all.err;
+  EXPECT_NE(IndexLineOf("sf2").find(";P1;"), std::string::npos);
+  EXPECT_NE(IndexLineOf("dkong").find(";R1;"), std::string::npos);
+}
+
+}  // namespace
+}  // namespace tessarin
