@@ -104,10 +104,20 @@ std::string ResolveNoCase(const std::string& folder, std::string_view relativePa
   return FromPath(current);
 }
 
+std::string ExistingDataFile(const std::string& path) {
+  if (path.empty() || path == "-1") return {};
+  if (FileExists(path)) return path;
+  // Names the user typed or a settings file from another system may differ in case only.
+  const size_t slash = path.find_last_of("\\/");
+  if (slash == std::string::npos || slash + 1 == path.size()) return {};
+  std::string other = FindFileNoCase(path.substr(0, slash + 1), path.substr(slash + 1));
+  return FileExists(other) ? other : std::string();
+}
+
 std::string FindDataFile(const AppContext& ctx, std::string_view settingsKey,
                          std::string_view defaultPath) {
-  const std::string stored = ctx.settings.InfRead(settingsKey);
-  if (!stored.empty() && stored != "-1" && FileExists(stored)) return stored;
+  std::string stored = ExistingDataFile(ctx.settings.InfRead(settingsKey));
+  if (!stored.empty()) return stored;
   std::string fallback = ResolveNoCase(ctx.AppFolder(), defaultPath);
   if (FileExists(fallback)) return fallback;
   return {};

@@ -39,6 +39,10 @@ bool AnalyseCheat(AppContext& ctx, bool reset, Work& work);
 std::string FindDataFile(const AppContext& ctx, std::string_view settingsKey,
                          std::string_view defaultPath);
 
+// The file at `path`, or the file of its folder whose name differs only in case; empty when
+// there is none (also for the settings' "-1").
+std::string ExistingDataFile(const std::string& path);
+
 // `relativePath` ('\' or '/' separated) under `folder`, each part matched without regard to
 // case; the parts not found are joined as given, so the result can be tested with FileExists.
 std::string ResolveNoCase(const std::string& folder, std::string_view relativePath);

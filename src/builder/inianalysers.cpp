@@ -157,7 +157,8 @@ bool AnalyseVerAddedMameinfo(AppContext& ctx, const std::string& path, bool rese
       if (file.empty() || file == "-1")
         file = ResolveNoCase(ctx.AppFolder(), "datafiles/mameinfo.dat");
     }
-    if (!FileExists(file)) {
+    file = ExistingDataFile(file);
+    if (file.empty()) {
       ProgressToEnd(work);
       return;
     }

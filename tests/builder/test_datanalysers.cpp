@@ -113,6 +113,12 @@ TEST_F(AnalyserTest, StoredPathComesFirstThenTheDefaultFoundWithoutRegardToCase)
   ctx->settings.InfWrite("DataFile2", app + "nowhere/history.dat");
   EXPECT_EQ(FindDataFile(*ctx, "DataFile2", "\\datafiles\\history.dat"), fallback);
   EXPECT_EQ(FindDataFile(*ctx, "DataFile5", "datafiles/command.dat"), "");
+
+  // A stored name that differs from the file's in case only still finds it.
+  const std::string command = Install("dat/command.dat", "elsewhere/command.dat");
+  ctx->settings.InfWrite("DataFile5", app + "elsewhere/COMMAND.DAT");
+  EXPECT_EQ(FindDataFile(*ctx, "DataFile5", "datafiles/command.dat"), command);
+  EXPECT_EQ(ExistingDataFile("-1"), "");
 }
 
 TEST_F(AnalyserTest, LogLineHasTimePathAndTheAnalysersText) {
