@@ -1,0 +1,140 @@
+// The zip tools window, offscreen: its controls, its load and unload, and a real zip-all and
+// unzip-all run under the working dialog.
+
+#include "archive/ziptoolsdialog.h"
+
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QCheckBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <memory>
+
+#include "archive/zipworkerinstall.h"
+#include "core/context.h"
+#include "core/userinterface.h"
+#include "ziptestutil.h"
+
+namespace tessarin {
+namespace {
+
+using testing::ListTree;
+using testing::Quote;
+using testing::Shell;
+using testing::TempFolder;
+using testing::WriteAll;
+namespace fs = std::filesystem;
+
+class QtApp final : public ::testing::Environment {
+ public:
+  void SetUp() override {
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+    static int argc = 1;
+    static char name[] = "test_archive_ui";
+    static char* argv[] = {name, nullptr};
+    m_app = std::make_unique<QApplication>(argc, argv);
+  }
+  void TearDown() override { m_app.reset(); }
+
+ private:
+  std::unique_ptr<QApplication> m_app;
+};
+[[maybe_unused]] ::testing::Environment* const kApp =
+    ::testing::AddGlobalTestEnvironment(new QtApp);
+
+class CountingUi final : public UserInterface {
+ public:
+  std::vector<std::string> shown;
+  void ShowMessage(bool, const std::string& text, const std::string&, Icon) override {
+    shown.push_back(text);
+  }
+  bool AskYesNo(const std::string&, const std::string&, Icon) override { return false; }
+  std::string ChooseFile(const std::string&, const std::string&, const std::string&,
+                         bool) override {
+    return {};
+  }
+  void OpenDocument(const std::string&) override {}
+};
+
+class ZipToolsDialogTest : public ::testing::Test {
+ protected:
+  ZipToolsDialogTest() : tmp("ziptools-ui"), ctx(tmp.Text() + "app/") {
+    fs::create_directories(tmp.Path() / "app");
+    ctx.messages.LanguageNumber = Messages::kEnglish;
+    ctx.messages.LoadMessages();
+    ctx.SetUi(&ui);
+  }
+  template <class T>
+  T* Child(ZipToolsDialog& dialog, const char* name) {
+    T* widget = dialog.findChild<T*>(QString::fromLatin1(name));
+    EXPECT_NE(widget, nullptr) << name;
+    return widget;
+  }
+
+  TempFolder tmp;
+  AppContext ctx;
+  CountingUi ui;
+};
+
+TEST_F(ZipToolsDialogTest, ControlsCaptionsAndLoad) {
+  ctx.settings.InfWrite("Frm9Source", tmp.Text() + "roms/");
+  ctx.settings.InfWrite("Frm9Effacer", std::string_view("1"));
+  ZipToolsDialog owned(nullptr, ctx);
+  ZipToolsDialog* dialog = &owned;
+  EXPECT_EQ(dialog->objectName(), QStringLiteral("Form9"));
+  EXPECT_EQ(Child<QLabel>(*dialog, "Label2")->text(), QStringLiteral("Source path :"));
+  EXPECT_EQ(Child<QLabel>(*dialog, "Label3")->text(), QStringLiteral("Destination path :"));
+  EXPECT_EQ(Child<QLabel>(*dialog, "Chk1Txt")->text(), QStringLiteral("Delete when done"));
+  EXPECT_EQ(Child<QPushButton>(*dialog, "Command1")->text(), QStringLiteral("&Zip all"));
+  EXPECT_EQ(Child<QPushButton>(*dialog, "Command2")->text(), QStringLiteral("&Unzip all"));
+  EXPECT_EQ(Child<QPushButton>(*dialog, "Command3")->text(), QStringLiteral("&Close"));
+  EXPECT_NE(Child<QPushButton>(*dialog, "Command4"), nullptr);
+  EXPECT_NE(Child<QPushButton>(*dialog, "Command5"), nullptr);
+  EXPECT_EQ(Child<QLineEdit>(*dialog, "Text1")->text(),
+            QString::fromStdString(tmp.Text() + "roms/"));
+  EXPECT_EQ(Child<QLineEdit>(*dialog, "Text2")->text(), QString());
+  EXPECT_TRUE(Child<QCheckBox>(*dialog, "Chk1")->isChecked());
+  // The load put the worker into the application folder, so zipping is possible.
+  EXPECT_FALSE(FindZipWorker(ctx.AppFolder()).empty());
+  EXPECT_TRUE(Child<QPushButton>(*dialog, "Command1")->isEnabled());
+
+  // Closing writes the keys.
+  Child<QLineEdit>(*dialog, "Text2")->setText(QStringLiteral("/somewhere/"));
+  Child<QCheckBox>(*dialog, "Chk1")->setChecked(false);
+  dialog->show();
+  dialog->close();
+  EXPECT_EQ(ctx.settings.InfRead("Frm9Destination"), "/somewhere/");
+  EXPECT_EQ(ctx.settings.InfRead("Frm9Effacer"), "-1");
+  EXPECT_NE(ctx.settings.InfRead("Frm9Top"), "-1");
+  EXPECT_NE(ctx.settings.InfRead("Frm9Left"), "-1");
+}
+
+TEST_F(ZipToolsDialogTest, ZipAllThenUnzipAll) {
+  WriteAll(tmp.Path() / "roms/pacman/pacman.6e", std::string(3000, 'p'));
+  WriteAll(tmp.Path() / "roms/galaga/gg1.bin", "galaga");
+  fs::create_directories(tmp.Path() / "zips");
+  fs::create_directories(tmp.Path() / "back");
+  ZipToolsDialog dialog(nullptr, ctx);
+  Child<QCheckBox>(dialog, "Chk1")->setChecked(false);
+  Child<QLineEdit>(dialog, "Text1")->setText(QString::fromStdString(tmp.Text() + "roms"));
+  Child<QLineEdit>(dialog, "Text2")->setText(QString::fromStdString(tmp.Text() + "zips"));
+  dialog.ZipAll();
+  EXPECT_EQ(ListTree(tmp.Path() / "zips"), (std::vector<std::string>{"galaga.zip", "pacman.zip"}));
+  EXPECT_EQ(Shell("unzip -tqq " + Quote(tmp.Text() + "zips/pacman.zip") + " > /dev/null"), 0);
+  EXPECT_EQ(Child<QLineEdit>(dialog, "Text1")->text(),
+            QString::fromStdString(tmp.Text() + "roms/"));
+  EXPECT_EQ(ui.shown, (std::vector<std::string>{""}));
+
+  Child<QLineEdit>(dialog, "Text1")->setText(QString::fromStdString(tmp.Text() + "zips"));
+  Child<QLineEdit>(dialog, "Text2")->setText(QString::fromStdString(tmp.Text() + "back"));
+  dialog.UnzipAll();
+  EXPECT_EQ(ListTree(tmp.Path() / "back"),
+            (std::vector<std::string>{"galaga/gg1.bin", "pacman/pacman.6e"}));
+  EXPECT_EQ(dialog.UnzipError(), "");
+  EXPECT_TRUE(dialog.isEnabled());
+}
+
+}  // namespace
+}  // namespace tessarin
