@@ -6,27 +6,32 @@
 #include <cstdlib>
 
 #include "core/context.h"
+#include "core/fileservices.h"
 #include "shell/desktopui.h"
 #include "shell/languagedialog.h"
 #include "shell/mainframe.h"
 #include "shell/pathwizarddialog.h"
 #include "shell/picturesui.h"
 #include "shell/windowhelpersui.h"
+#include "store/indexfile.h"
 
 namespace tessarin {
 
-SiteTablesAccess SiteTables::Access(AppContext& ctx) {
+SiteTablesAccess SiteAccess(AppContext& ctx, UrlTables& tables) {
   SiteTablesAccess access;
-  access.SearchEngines = &SearchEngines;
-  access.OnlineImages = &OnlineImages;
-  // TODO(site list): LoadUrlList's file part and WriteUrlList go here once the on-line
-  // subsystem provides them; until then the tables live for the run only.
-  (void)ctx;
+  access.Tables = &tables;
+  access.Reload = [&ctx, &tables] { LoadUrlList(tables, ctx.AppFolder(), ctx.log); };
+  access.Write = [&ctx, &tables] { WriteUrlList(tables, ctx.AppFolder(), ctx.log); };
   return access;
 }
 
+void LoadDatabase(AppContext& ctx) {
+  const std::string path = IndexFilePath(ctx.AppFolder());
+  if (FileExists(path)) LoadIndex(ctx.store, ctx.log, path);
+}
+
 std::unique_ptr<MainFrame> StartDesktop(AppContext& ctx, ShellSession& session, QtUserInterface& ui,
-                                        SiteTables& sites) {
+                                        UrlTables& sites) {
   StartUpSteps steps;
   steps.ChooseLanguage = [&ctx] {
     LanguageDialog dialog(nullptr, ctx);
@@ -36,8 +41,8 @@ std::unique_ptr<MainFrame> StartDesktop(AppContext& ctx, ShellSession& session, 
     PathWizardDialog dialog(nullptr, ctx);
     dialog.exec();
   };
-  // TODO(index file): LoadIndex joins here once the store provides it.
-  // TODO(site list): LoadUrlList joins here once the on-line subsystem provides it.
+  steps.LoadIndex = [&ctx] { LoadDatabase(ctx); };
+  steps.LoadUrlList = [&ctx, &sites] { LoadUrlList(sites, ctx.AppFolder(), ctx.log); };
   if (StartUp(ctx, session, steps) == StartResult::TempFolderFailed) {
     QMessageBox box(QMessageBox::Critical, QStringLiteral("Tessarin"),
                     ToQt(TempFolderFailureText(ctx)), QMessageBox::Ok);
@@ -45,7 +50,7 @@ std::unique_ptr<MainFrame> StartDesktop(AppContext& ctx, ShellSession& session, 
     box.exec();
     return nullptr;
   }
-  auto frame = std::make_unique<MainFrame>(ctx, session, sites.Access(ctx));
+  auto frame = std::make_unique<MainFrame>(ctx, session, SiteAccess(ctx, sites));
   frame->LoadIndex = steps.LoadIndex;
   ui.SetOwner(frame.get());
   RegisterSubsystemDialogs(*frame);
@@ -77,7 +82,7 @@ int RunDesktopProgram(int argc, char** argv) {
     std::exit(1);
   });
   ShellSession session;
-  SiteTables sites;
+  UrlTables sites;
   std::unique_ptr<MainFrame> frame = StartDesktop(ctx, session, ui, sites);
   if (!frame) return 1;
   QObject::connect(&app, &QApplication::lastWindowClosed, &app, &QApplication::quit);

@@ -14,18 +14,16 @@ class AppContext;
 class MainFrame;
 class QtUserInterface;
 
-// The site tables of a run, with the routines that read and write their file.
-struct SiteTables {
-  std::vector<std::string> SearchEngines;
-  std::array<std::string, 6> OnlineImages;
-  SiteTablesAccess Access(AppContext& ctx);
-};
+// The site tables of a run with the routines that read and write their file.
+SiteTablesAccess SiteAccess(AppContext& ctx, UrlTables& tables);
+// Reads the database of the application folder when there is one.
+void LoadDatabase(AppContext& ctx);
 
 // The start of the desktop program once the single-instance lock is held: the start-up steps
 // with their dialogs, then the frame. Gives null when the run must end (no temporary folder;
 // the user has been told).
 std::unique_ptr<MainFrame> StartDesktop(AppContext& ctx, ShellSession& session, QtUserInterface& ui,
-                                        SiteTables& sites);
+                                        UrlTables& sites);
 
 // The whole desktop program: arguments, single instance, start, event loop, close. Gives the
 // process's exit code.

@@ -25,46 +25,49 @@ void OptionsModel::Load() {
 
 std::vector<std::string> OptionsModel::SearchEngineNames() const {
   std::vector<std::string> names;
-  if (!m_sites.SearchEngines) return names;
-  for (const std::string& entry : *m_sites.SearchEngines) {
-    names.push_back(entry.substr(0, entry.find(':')));
+  if (!m_sites.Tables) return names;
+  const std::vector<std::string>& engines = m_sites.Tables->SearchEngines;
+  for (size_t i = 1; i < engines.size(); ++i) {
+    names.push_back(engines[i].substr(0, engines[i].find(':')));
   }
   return names;
 }
 
+namespace {
+// Row `index` (from 0) of the engines, which the tables keep from 1; null outside.
+std::string* EngineRow(UrlTables* tables, int index) {
+  if (!tables || index < 0 || index >= tables->SearchEngineCount()) return nullptr;
+  return &tables->SearchEngines[static_cast<size_t>(index) + 1];
+}
+}  // namespace
+
 std::string OptionsModel::SearchEngineAddress(int index) const {
-  if (!m_sites.SearchEngines || index < 0 ||
-      index >= static_cast<int>(m_sites.SearchEngines->size())) {
-    return {};
-  }
-  const std::string& entry = (*m_sites.SearchEngines)[static_cast<size_t>(index)];
-  const size_t colon = entry.find(':');
-  return colon == std::string::npos ? std::string() : entry.substr(colon + 1);
+  const std::string* entry = EngineRow(m_sites.Tables, index);
+  if (!entry) return {};
+  const size_t colon = entry->find(':');
+  return colon == std::string::npos ? std::string() : entry->substr(colon + 1);
 }
 
 void OptionsModel::SetSearchEngineAddress(int index, const std::string& address) {
-  if (!m_sites.SearchEngines || index < 0 ||
-      index >= static_cast<int>(m_sites.SearchEngines->size())) {
-    return;
-  }
-  std::string& entry = (*m_sites.SearchEngines)[static_cast<size_t>(index)];
-  entry = entry.substr(0, entry.find(':')) + ":" + address;
+  std::string* entry = EngineRow(m_sites.Tables, index);
+  if (!entry) return;
+  *entry = entry->substr(0, entry->find(':')) + ":" + address;
 }
 
 bool OptionsModel::AddSearchSite(const std::string& name, const std::string& address) {
-  if (name.empty() || address.empty() || !m_sites.SearchEngines) return false;
-  m_sites.SearchEngines->push_back(name + ":" + address);
+  if (name.empty() || address.empty() || !m_sites.Tables) return false;
+  m_sites.Tables->SearchEngines.push_back(name + ":" + address);
   return true;
 }
 
 std::string OptionsModel::OnlineImage(int kind) const {
-  if (!m_sites.OnlineImages || kind < 0 || kind >= 6) return {};
-  return (*m_sites.OnlineImages)[static_cast<size_t>(kind)];
+  if (!m_sites.Tables || kind < 0 || kind >= 6) return {};
+  return m_sites.Tables->OnlineImages[static_cast<size_t>(kind) + 1];
 }
 
 void OptionsModel::SetOnlineImage(int kind, const std::string& pattern) {
-  if (!m_sites.OnlineImages || kind < 0 || kind >= 6) return;
-  (*m_sites.OnlineImages)[static_cast<size_t>(kind)] = pattern;
+  if (!m_sites.Tables || kind < 0 || kind >= 6) return;
+  m_sites.Tables->OnlineImages[static_cast<size_t>(kind) + 1] = pattern;
 }
 
 bool OptionsModel::Save() {

@@ -6,6 +6,8 @@
 #include <string_view>
 #include <vector>
 
+#include "online/urllist.h"
+
 namespace tessarin {
 
 class AppContext;
@@ -33,11 +35,11 @@ inline constexpr std::array<std::string_view, 6> kImageKinds = {"Titles",   "Sna
 inline constexpr std::array<std::string_view, 6> kImagePathKeys = {
     "TitlesPath", "SnapPath", "MarqueesPath", "CabinetsPath", "CpanelPath", "FlyersPath"};
 
-// The site tables that the options edit in place: "name:address" search engines and the six
-// online image patterns. Reload rereads the site list file (so hand edits show), Write writes it.
+// The site tables that the options edit in place (the "name:address" search engines and the six
+// online image patterns). Reload rereads the site list file (so hand edits show), Write writes
+// it.
 struct SiteTablesAccess {
-  std::vector<std::string>* SearchEngines = nullptr;
-  std::array<std::string, 6>* OnlineImages = nullptr;
+  UrlTables* Tables = nullptr;
   std::function<void()> Reload;
   std::function<void()> Write;
 };
@@ -59,13 +61,14 @@ class OptionsModel final {
   std::array<std::string, 16> DataFiles;
   std::array<std::string, 6> ImagePaths;
 
-  // Search engines: the names (the part in front of the first ':') and the address part.
+  // Search engines, from 0: the names (the part in front of the first ':') and the address part.
   std::vector<std::string> SearchEngineNames() const;
   std::string SearchEngineAddress(int index) const;
   void SetSearchEngineAddress(int index, const std::string& address);
   // Adds "name:address" when both are given; gives false otherwise.
   bool AddSearchSite(const std::string& name, const std::string& address);
 
+  // Image kinds from 0 (titles) to 5 (flyers).
   std::string OnlineImage(int kind) const;
   void SetOnlineImage(int kind, const std::string& pattern);
 

@@ -16,6 +16,12 @@
 namespace tessarin {
 
 namespace {
+// Shows a path from its beginning, where the part that tells it apart usually is.
+void SetBoxText(QLineEdit* box, const QString& text) {
+  box->setText(text);
+  box->setCursorPosition(0);
+}
+
 QString Plain(const std::string& caption) {
   QString text = ToQt(caption);
   text.remove(QLatin1Char('&'));
@@ -61,7 +67,7 @@ OptionsDialog::OptionsDialog(QWidget* parent, AppContext& ctx, SiteTablesAccess 
   m_siteAddress = edit("Text6");
   for (QLineEdit* e :
        {m_emulator, m_roms, m_dataFilePath, m_imagePath, m_onlinePattern, m_siteAddress}) {
-    e->setMinimumWidth(em * 36);
+    e->setMinimumWidth(em * 50);
   }
 
   // Each caption stands above its fields, so long captions (and French ones) never push the
@@ -106,7 +112,7 @@ OptionsDialog::OptionsDialog(QWidget* parent, AppContext& ctx, SiteTablesAccess 
   grid->addWidget(addSite, row++, 2);
   for (QComboBox* c : {m_language, m_dataFiles, m_imageKinds, m_onlineKinds, m_sites}) {
     c->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
-    c->setMinimumContentsLength(22);
+    c->setMinimumContentsLength(18);
   }
 
   auto* save = new QPushButton(ToQt(m.Lng(402)), this);
@@ -158,26 +164,27 @@ OptionsDialog::OptionsDialog(QWidget* parent, AppContext& ctx, SiteTablesAccess 
   // Each list shows the value of its entry in the box beside it; an edit goes back at once
   // (into the working copy, or straight into the site tables).
   connect(m_dataFiles, &QComboBox::currentIndexChanged, this, [this](int i) {
-    m_dataFilePath->setText(i >= 0 ? ToQt(m_model.DataFiles[static_cast<size_t>(i)]) : QString());
+    SetBoxText(m_dataFilePath,
+               i >= 0 ? ToQt(m_model.DataFiles[static_cast<size_t>(i)]) : QString());
   });
   connect(m_dataFilePath, &QLineEdit::textEdited, this, [this](const QString& text) {
     const int i = m_dataFiles->currentIndex();
     if (i >= 0) m_model.DataFiles[static_cast<size_t>(i)] = FromQt(text);
   });
   connect(m_imageKinds, &QComboBox::currentIndexChanged, this, [this](int i) {
-    m_imagePath->setText(i >= 0 ? ToQt(m_model.ImagePaths[static_cast<size_t>(i)]) : QString());
+    SetBoxText(m_imagePath, i >= 0 ? ToQt(m_model.ImagePaths[static_cast<size_t>(i)]) : QString());
   });
   connect(m_imagePath, &QLineEdit::textEdited, this, [this](const QString& text) {
     const int i = m_imageKinds->currentIndex();
     if (i >= 0) m_model.ImagePaths[static_cast<size_t>(i)] = FromQt(text);
   });
   connect(m_onlineKinds, &QComboBox::currentIndexChanged, this,
-          [this](int i) { m_onlinePattern->setText(ToQt(m_model.OnlineImage(i))); });
+          [this](int i) { SetBoxText(m_onlinePattern, ToQt(m_model.OnlineImage(i))); });
   connect(m_onlinePattern, &QLineEdit::textEdited, this, [this](const QString& text) {
     m_model.SetOnlineImage(m_onlineKinds->currentIndex(), FromQt(text));
   });
   connect(m_sites, &QComboBox::currentIndexChanged, this,
-          [this](int i) { m_siteAddress->setText(ToQt(m_model.SearchEngineAddress(i))); });
+          [this](int i) { SetBoxText(m_siteAddress, ToQt(m_model.SearchEngineAddress(i))); });
   connect(m_siteAddress, &QLineEdit::textEdited, this, [this](const QString& text) {
     m_model.SetSearchEngineAddress(m_sites->currentIndex(), FromQt(text));
   });
@@ -219,8 +226,8 @@ void OptionsDialog::Fill() {
   const QString current = ToQt(m_model.LanguageText);
   if (m_language->findText(current) < 0) m_language->addItem(current);
   m_language->setCurrentText(current);
-  m_emulator->setText(ToQt(m_model.EmulatorPath));
-  m_roms->setText(ToQt(m_model.RomPath));
+  SetBoxText(m_emulator, ToQt(m_model.EmulatorPath));
+  SetBoxText(m_roms, ToQt(m_model.RomPath));
   m_dataFiles->clear();
   for (std::string_view name : kOptionDataFiles) {
     m_dataFiles->addItem(ToQt(name));

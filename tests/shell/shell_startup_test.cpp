@@ -350,16 +350,18 @@ TEST(LanguageChoice, OtherWritesTheTemplateAndGoesOnInEnglish) {
 
 // --- Options ---
 
+// Site tables as the site list keeps them (rows from 1), with counted reads and writes.
 struct Sites {
-  std::vector<std::string> engines{"MAWS:http://maws.example/#ROMNAME#",
-                                   "datObase:http://dat.example/rom.php?zip=#ROMNAME#"};
-  std::array<std::string, 6> images{};
+  UrlTables tables;
   int reloads = 0;
   int writes = 0;
+  Sites() {
+    tables.SearchEngines = {"", "MAWS:http://maws.example/#ROMNAME#",
+                            "datObase:http://dat.example/rom.php?zip=#ROMNAME#"};
+  }
   SiteTablesAccess Access() {
     SiteTablesAccess a;
-    a.SearchEngines = &engines;
-    a.OnlineImages = &images;
+    a.Tables = &tables;
     a.Reload = [this] { ++reloads; };
     a.Write = [this] { ++writes; };
     return a;
@@ -431,10 +433,10 @@ TEST(Options, CancelSavesNoPathButKeepsTheSiteTables) {
   EXPECT_EQ(sites.writes, 1);
   EXPECT_EQ(t.ctx.settings.InfRead("RomPath"), "-1");
   EXPECT_EQ(t.ctx.settings.InfRead("DataFile2"), "-1");
-  ASSERT_EQ(sites.engines.size(), 3u);
-  EXPECT_EQ(sites.engines[2], "Mine:http://mine.example/#ROMNAME#");
-  EXPECT_EQ(sites.engines[0], "MAWS:http://maws2.example/#ROMNAME#");
-  EXPECT_EQ(sites.images[1], "http://snaps.example/#ROMNAME#.png");
+  ASSERT_EQ(sites.tables.SearchEngineCount(), 3);
+  EXPECT_EQ(sites.tables.SearchEngines[3], "Mine:http://mine.example/#ROMNAME#");
+  EXPECT_EQ(sites.tables.SearchEngines[1], "MAWS:http://maws2.example/#ROMNAME#");
+  EXPECT_EQ(sites.tables.OnlineImages[2], "http://snaps.example/#ROMNAME#.png");
 }
 
 TEST(Options, SiteNeedsBothNameAndAddress) {
@@ -443,7 +445,7 @@ TEST(Options, SiteNeedsBothNameAndAddress) {
   OptionsModel model(t.ctx, sites.Access());
   EXPECT_FALSE(model.AddSearchSite("", "http://x"));
   EXPECT_FALSE(model.AddSearchSite("x", ""));
-  EXPECT_EQ(sites.engines.size(), 2u);
+  EXPECT_EQ(sites.tables.SearchEngineCount(), 2);
 }
 
 TEST(Options, OtherLanguageWritesTheTemplateButNoLanguageKey) {

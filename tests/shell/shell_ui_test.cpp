@@ -8,6 +8,7 @@
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFileInfo>
+#include <QInputDialog>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMdiSubWindow>
@@ -17,6 +18,7 @@
 #include <QTest>
 #include <QTimer>
 #include <atomic>
+#include <filesystem>
 #include <functional>
 
 #include "core/work.h"
@@ -31,6 +33,7 @@
 #include "shell/windowhelpersui.h"
 #include "shell/workingdialog.h"
 #include "shell_test_support.h"
+#include "store/indexfile.h"
 
 namespace tessarin {
 namespace {
@@ -93,7 +96,7 @@ struct DesktopRun {
   AppContext ctx{folder.Path()};
   QtUserInterface ui{ctx};
   ShellSession session;
-  SiteTables sites;
+  UrlTables sites;
   std::unique_ptr<MainFrame> frame;
   std::vector<std::string> opened;
 
@@ -196,6 +199,28 @@ TEST(DesktopStart, NormalStartShowsFramePanelAndMenuCaptions) {
   ASSERT_NE(find, nullptr);
   EXPECT_FALSE(find->isEnabled());
   Shot(run.frame.get(), QStringLiteral("panel_en"));
+}
+
+TEST(DesktopStart, ExistingDatabaseIsLoadedAndNamedOnThePanel) {
+  DesktopRun run;
+  WriteFile(run.Path("Tessarin.inf"), "Language=1\r\nMDIState=0\r\n");
+  {
+    GameStore store;
+    store.DatabaseVersion = "0.261 (mame0261)";
+    std::string record = NewXmlRecord("pacman", 0);
+    FieldSet(record, "#Z", "Pac-Man");
+    store.AppendGame("pacman", record);
+    store.SetEndRecord(NewXmlRecord(std::string(EndRecordName), 100));
+    std::filesystem::create_directories(run.Path("DataFiles"));
+    ASSERT_TRUE(SaveIndex(store, run.ctx.log, nullptr, IndexFilePath(run.ctx.AppFolder())));
+  }
+  run.Start();
+  EXPECT_EQ(run.ctx.store.GameCount(), 1);
+  EXPECT_EQ(Child<QLabel>(run.frame->Panel(), "Label1")->text(),
+            QStringLiteral("Source database : 0.261 (mame0261)"));
+  // The site list was read at start (and written, since there was none).
+  EXPECT_TRUE(QFileInfo::exists(ToQt(run.Path("Tessarin.url.inf"))));
+  EXPECT_GE(run.sites.SearchEngineCount(), 2);
 }
 
 TEST(DesktopStart, RegisteredDialogEnablesItsEntryAndBringsThePanelBack) {
@@ -488,10 +513,10 @@ TEST(PriorityDialog, RowsApplyAtOnceAndMarkTheChoice) {
 TEST(OptionsDialog, CancelKeepsPathsAndSaveWritesThem) {
   DesktopRun run;
   WriteFile(run.Path("Tessarin.inf"), "Language=1\r\nMDIState=0\r\nRomPath=/old/\r\n");
-  run.sites.SearchEngines = {"MAWS:http://maws.example/#ROMNAME#"};
+  WriteFile(run.Path("Tessarin.url.inf"), "SEARCH_ENGINE=MAWS:http://maws.example/#ROMNAME#\r\n");
   run.Start();
   {
-    OptionsDialog dialog(run.frame.get(), run.ctx, run.sites.Access(run.ctx));
+    OptionsDialog dialog(run.frame.get(), run.ctx, SiteAccess(run.ctx, run.sites));
     EXPECT_EQ(Child<QLineEdit>(&dialog, "Text2")->text(), QStringLiteral("/old/"));
     EXPECT_EQ(Child<QLineEdit>(&dialog, "Text1")->text(), QString());
     Child<QLineEdit>(&dialog, "Text2")->setText(QStringLiteral("/new/"));
@@ -503,9 +528,12 @@ TEST(OptionsDialog, CancelKeepsPathsAndSaveWritesThem) {
   }
   EXPECT_EQ(run.StoredKey("RomPath"), "/old/");
   // The site table changed at once and stays changed.
-  EXPECT_EQ(run.sites.SearchEngines[0], "MAWS:http://other.example/#ROMNAME#");
+  EXPECT_EQ(run.sites.SearchEngines[1], "MAWS:http://other.example/#ROMNAME#");
+  // And went to the site list file when the dialog closed.
+  EXPECT_NE(ReadFile(run.Path("Tessarin.url.inf")).find("MAWS:http://other.example/#ROMNAME#"),
+            std::string::npos);
   {
-    OptionsDialog dialog(run.frame.get(), run.ctx, run.sites.Access(run.ctx));
+    OptionsDialog dialog(run.frame.get(), run.ctx, SiteAccess(run.ctx, run.sites));
     Shot(&dialog, QStringLiteral("options_en"));
     auto* files = Child<QComboBox>(&dialog, "Combo2");
     auto* path = Child<QLineEdit>(&dialog, "Text3");
@@ -529,6 +557,34 @@ TEST(OptionsDialog, CancelKeepsPathsAndSaveWritesThem) {
             QStringLiteral("&Quit"));
 }
 
+TEST(OptionsDialog, HandEditedSiteListIsRereadAndANewSiteSurvivesACancel) {
+  DesktopRun run;
+  WriteFile(run.Path("Tessarin.inf"), "Language=1\r\nMDIState=0\r\n");
+  run.Start();
+  WriteFile(run.Path("Tessarin.url.inf"),
+            "SEARCH_ENGINE=Edited:http://edited.example/#ROMNAME#\r\n");
+  OptionsDialog dialog(run.frame.get(), run.ctx, SiteAccess(run.ctx, run.sites));
+  auto* sites = Child<QComboBox>(&dialog, "Combo5");
+  ASSERT_EQ(sites->count(), 1);
+  EXPECT_EQ(sites->itemText(0), QStringLiteral("Edited"));
+  int asked = 0;
+  ModalDriver driver([&](QWidget* modal) {
+    auto* input = qobject_cast<QInputDialog*>(modal);
+    ASSERT_NE(input, nullptr);
+    input->setTextValue(asked == 0 ? QStringLiteral("Mine")
+                                   : QStringLiteral("http://mine.example/#ROMNAME#"));
+    ++asked;
+    input->accept();
+  });
+  Click(&dialog, "Command7");
+  EXPECT_EQ(asked, 2);
+  ASSERT_EQ(sites->count(), 2);
+  EXPECT_EQ(sites->itemText(1), QStringLiteral("Mine"));
+  Click(&dialog, "Command6");
+  EXPECT_NE(ReadFile(run.Path("Tessarin.url.inf")).find("Mine:http://mine.example/#ROMNAME#"),
+            std::string::npos);
+}
+
 // --- Screens in French ---
 
 TEST(Look, FrenchWindows) {
@@ -538,7 +594,7 @@ TEST(Look, FrenchWindows) {
   EXPECT_EQ(Child<QLabel>(run.frame->Panel(), "Title_7")->text(),
             ToQt(Messages::FrenchTable()[15]));
   Shot(run.frame.get(), QStringLiteral("panel_fr"));
-  OptionsDialog options(run.frame.get(), run.ctx, run.sites.Access(run.ctx));
+  OptionsDialog options(run.frame.get(), run.ctx, SiteAccess(run.ctx, run.sites));
   options.show();
   QTest::qWait(20);
   Shot(&options, QStringLiteral("options_fr"));
