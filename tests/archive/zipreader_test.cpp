@@ -202,7 +202,8 @@ TEST(ZipReader, CommentHoldingTheEndSignature) {
   TempFolder tmp("zr-comment");
   RawZip raw;
   raw.Add("a.txt", "alpha", false);
-  raw.comment = std::string("x PK\x05\x06 y PK\x05\x06\x01\x02 end", 22);
+  static const char kComment[] = "x PK\x05\x06 y PK\x05\x06\x01\x02 end";
+  raw.comment = std::string(kComment, sizeof kComment - 1);
   raw.Write(tmp / "t.zip");
   ZipExtractionClass zip;
   ASSERT_TRUE(zip.ZipOpen(tmp / "t.zip"));
