@@ -198,6 +198,22 @@ class XmlImporter final {
     return false;
   }
 
+  // The value of the attribute `name`, tested on attribute names only (the even pieces), so
+  // that a value such as type="only_buttons" is not taken for a buttons attribute.
+  bool AttributeValue(std::string_view name, std::string_view& value) const {
+    for (size_t j = 0; j + 1 < m_pieces.size(); j += 2) {
+      const std::string_view piece = m_pieces[j];
+      if (piece.size() < name.size() + 2 || piece.back() != '=') continue;
+      const std::string_view word = piece.substr(piece.size() - 1 - name.size(), name.size());
+      const char before = piece[piece.size() - 2 - name.size()];
+      if (word == name && (before == ' ' || before == '\t')) {
+        value = m_pieces[j + 1];
+        return true;
+      }
+    }
+    return false;
+  }
+
   void ImportLine(std::string_view line, long long offset) {
     const bool machineLine = Contains(line, "<game") || Contains(line, "<machine");
     if (m_inDevice && !machineLine) return;
@@ -244,7 +260,7 @@ class XmlImporter final {
       if (FirstValue("type", value)) SetCoded(m_controls, value, "#CO");
       // Today's lists give the buttons per control, no longer on <input>: the first control
       // that has them counts when no <input line gave a value.
-      if (Contains(Current(), "#BU") && FirstValue("buttons", value)) {
+      if (Contains(Current(), "#BU") && AttributeValue("buttons", value)) {
         SetCoded(m_buttons, value, "#BU");
       }
     } else if (Contains(line, "<driver")) {

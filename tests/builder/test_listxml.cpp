@@ -151,6 +151,29 @@ TEST(ListXml, TodaysMachineDumpWithDevices) {
   EXPECT_EQ(store.SavestateTable, (CodeTable{"", "supported", "unsupported"}));
 }
 
+TEST(ListXml, ControlButtonsAreTakenFromTheAttributeNotFromAValue) {
+  TestHome home;
+  const std::string text =
+      "<mame>\n\t<machine name=\"b\" sourcefile=\"b.cpp\">\n"
+      "\t\t<input players=\"1\" coins=\"1\">\n"
+      "\t\t\t<control type=\"only_buttons\" player=\"1\" buttons=\"7\"/>\n"
+      "\t\t</input>\n\t</machine>\n"
+      "\t<machine name=\"c\" sourcefile=\"b.cpp\">\n"
+      "\t\t<input players=\"1\" buttons=\"3\">\n"
+      "\t\t\t<control type=\"only_buttons\" player=\"1\" buttons=\"7\"/>\n"
+      "\t\t</input>\n\t</machine>\n</mame>\n";
+  const std::string path = home.Folder() + "dump.xml";
+  WriteBytes(path, text);
+  Import(home, path);
+  const GameStore& store = home.ctx.store;
+  ASSERT_EQ(store.GameCount(), 2);
+  EXPECT_NE(store.GameRecords[1].find(";F1;G1;"), std::string::npos) << store.GameRecords[1];
+  // An <input line with buttons comes first and wins; the control then adds nothing.
+  EXPECT_NE(store.GameRecords[2].find(";F2;G1;"), std::string::npos) << store.GameRecords[2];
+  EXPECT_EQ(store.ButtonsTable, (CodeTable{"", "7", "3"}));
+  EXPECT_EQ(store.ControlsTable, (CodeTable{"", "only_buttons"}));
+}
+
 TEST(ListXml, LastMachineIsAGameThenTheEndRecordHoldsTheFileLength) {
   TestHome home;
   const std::string text =
