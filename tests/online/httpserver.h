@@ -20,7 +20,7 @@ namespace tessarin::testing {
 //   /missing    404
 //   /redirect   302 to /ok.txt
 //   /cut        200 that promises 100,000 bytes, sends 1,000 and hangs up
-//   /stall      200 that sends its headers and then nothing for 5 seconds
+//   /stall      200 that sends its headers and then nothing for 10 seconds
 class TestHttpServer {
  public:
   static constexpr const char* kOkBody = "hello, this is the data file\n";
@@ -98,7 +98,7 @@ class TestHttpServer {
       Send(client, "HTTP/1.0 200 OK\r\nContent-Length: 100000\r\n\r\n" + std::string(1000, 'c'));
     } else if (path == "/stall") {
       Send(client, "HTTP/1.0 200 OK\r\nContent-Length: 100000\r\n\r\n");
-      const auto until = std::chrono::steady_clock::now() + std::chrono::seconds(5);
+      const auto until = std::chrono::steady_clock::now() + std::chrono::seconds(10);
       while (!m_stop && std::chrono::steady_clock::now() < until) {
         std::this_thread::sleep_for(std::chrono::milliseconds(50));
       }
