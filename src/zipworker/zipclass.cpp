@@ -299,6 +299,17 @@ bool ZipClass::WriteZip(const std::string& path) {
   Output out(target);
   if (!out.Good()) return false;
 
+  // A zip written into the folder it zips would be read while it is being written (or, left
+  // from an earlier run, deleted before it is read): it never goes into itself.
+  const fs::path self = fs::weakly_canonical(target, ec);
+  Files.erase(std::remove_if(Files.begin(), Files.end(),
+                             [&](const ZipFile& file) {
+                               std::error_code e;
+                               return !self.empty() &&
+                                      fs::weakly_canonical(file.SourcePath, e) == self;
+                             }),
+              Files.end());
+
   std::string in(kBlockSize, '\0');
   std::string buffer(kBlockSize, '\0');
   std::vector<Written> written;

@@ -146,6 +146,21 @@ TEST(ZipClassTest, ReplacesAnOldZipAndLeavesNoneOnFailure) {
   EXPECT_FALSE(fs::exists(tmp.Path() / "gone.zip"));
 }
 
+TEST(ZipClassTest, AZipInsideItsOwnFolderIsLeftOut) {
+  TempFolder tmp("zc-self");
+  WriteAll(tmp.Path() / "game/a.rom", "aaaa");
+  WriteAll(tmp.Path() / "game/game.zip", "an older zip");
+  myzip::ZipClass zip;
+  EXPECT_EQ(zip.FileAdd(tmp.Text() + "game/*.*", 0, true), 2);
+  ASSERT_TRUE(zip.WriteZip(tmp / "game/game.zip"));
+  EXPECT_EQ(zip.FileCount(), 1);
+  ExpectSoundZip(tmp / "game/game.zip");
+  ZipExtractionClass reader;
+  ASSERT_TRUE(reader.ZipOpen(tmp / "game/game.zip"));
+  EXPECT_EQ(reader.FileCount(), 1);
+  EXPECT_EQ(reader.filename(1), "a.rom");
+}
+
 TEST(ZipClassTest, MoreThan65535FilesMakeAZip64Archive) {
   TempFolder tmp("zc-many");
   const fs::path folder = tmp.Path() / "many";
