@@ -49,6 +49,9 @@ MainFrame::MainFrame(AppContext& ctx, ShellSession& session, SiteTablesAccess si
   m_area->setObjectName(QStringLiteral("MDIClient"));
   // The background colour of the generated pages, so the frame and the site look related.
   m_area->setBackground(QBrush(QColor(0x0F, 0x3F, 0x60)));
+  // A small screen still reaches every entry of the panel.
+  m_area->setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+  m_area->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
   setCentralWidget(m_area);
   const QRect screen =
       this->screen() ? this->screen()->availableGeometry() : QRect(0, 0, 1280, 800);

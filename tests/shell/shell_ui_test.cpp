@@ -22,6 +22,7 @@
 #include <functional>
 
 #include "core/work.h"
+#include "shell/aboutdialog.h"
 #include "shell/desktopshellui.h"
 #include "shell/desktopui.h"
 #include "shell/mainframe.h"
@@ -161,6 +162,56 @@ TEST(DesktopStart, FirstStartAsksTheLanguageThenThePaths) {
   EXPECT_EQ(run.StoredKey("Language"), "0");
   EXPECT_EQ(run.StoredKey("MDIState"), "2");
   EXPECT_FALSE(QFileInfo::exists(ToQt(temp)));
+}
+
+TEST(DesktopStart, WizardClosedAtOnceLeavesNoPathsYetTheProgramRuns) {
+  DesktopRun run;
+  ModalDriver driver([&](QWidget* modal) {
+    if (modal->objectName() == QStringLiteral("Form2")) Click(modal, "Command1");
+    if (modal->objectName() == QStringLiteral("Form4")) Click(modal, "Command2");
+  });
+  run.Start();
+  for (const char* key : {"DataFile1", "RomPath", "TitlesPath", "FlyersPath"}) {
+    EXPECT_EQ(run.StoredKey(key), "-1") << key;
+  }
+  ASSERT_NE(run.frame->Panel(), nullptr);
+  EXPECT_TRUE(run.frame->isVisible());
+  // On a first start the panel is centred whatever was stored.
+  EXPECT_GT(run.frame->PanelWindow()->pos().x(), 0);
+}
+
+TEST(DesktopStart, DataUpdateCheckOnFirstStartOrWhenAsked) {
+  struct Case {
+    const char* settings;
+    bool firstRun;
+    int calls;
+    bool automatic;
+  };
+  const Case cases[] = {{"ChckDataUpdate=1\r\n", false, 1, true},
+                        {"ChckDataUpdate=0\r\n", true, 1, false},
+                        {"ChckDataUpdate=0\r\n", false, 0, false},
+                        {"MDIState=0\r\n", false, 0, false}};
+  for (const Case& c : cases) {
+    TempFolder folder;
+    AppContext ctx(folder.Path());
+    WriteFile(folder / "Tessarin.inf", c.settings);
+    ctx.settings.InfLoad();
+    ctx.messages.LoadMessages();
+    ctx.FirstRun = c.firstRun;
+    ShellSession session;
+    UrlTables tables;
+    MainFrame frame(ctx, session, SiteAccess(ctx, tables));
+    int calls = 0;
+    bool automatic = false;
+    frame.DataUpdateCheck = [&](bool isAutomatic) {
+      ++calls;
+      automatic = isAutomatic;
+    };
+    frame.Load();
+    EXPECT_EQ(calls, c.calls) << c.settings << c.firstRun;
+    EXPECT_EQ(automatic, c.automatic) << c.settings << c.firstRun;
+    frame.close();
+  }
 }
 
 TEST(DesktopStart, NormalStartShowsFramePanelAndMenuCaptions) {
@@ -488,6 +539,97 @@ TEST(MessageBox, BarsBecomeLinesAndEmptyTextIsDone) {
   ShowMessage(&frame, f.ctx, false, "", "Title", 48);
 }
 
+TEST(WindowHelpers, CheckPicturesFollowTheTag) {
+  QLabel box;
+  SetCheckPicture(&box, false);
+  const QImage off = box.pixmap().toImage();
+  EXPECT_EQ(Tag(&box), QString());
+  ToggleCheck(&box, false);
+  EXPECT_EQ(Tag(&box), QStringLiteral("1"));
+  EXPECT_NE(box.pixmap().toImage(), off);
+  ToggleCheck(&box, false);
+  EXPECT_EQ(Tag(&box), QString());
+  EXPECT_EQ(box.pixmap().toImage(), off);
+  // A radio's toggle flips the tag but leaves the picture to its group.
+  QLabel radio;
+  SetCheckPicture(&radio, true);
+  const QImage radioOff = radio.pixmap().toImage();
+  ToggleCheck(&radio, true);
+  EXPECT_EQ(Tag(&radio), QStringLiteral("1"));
+  EXPECT_EQ(radio.pixmap().toImage(), radioOff);
+}
+
+TEST(WindowHelpers, ProgressPictureFrames) {
+  QLabel picture;
+  picture.resize(200, 16);
+  SetProgressPicture(&picture, 100);
+  EXPECT_EQ(picture.property("ProgressFrame").toInt(), 20);
+  const QImage full = picture.pixmap().toImage();
+  SetProgressPicture(&picture, 104);
+  EXPECT_EQ(picture.property("ProgressFrame").toInt(), 20);
+  EXPECT_EQ(picture.pixmap().toImage(), full);
+  SetProgressPicture(&picture, -5);
+  EXPECT_EQ(picture.property("ProgressFrame").toInt(), 0);
+  EXPECT_NE(picture.pixmap().toImage(), full);
+}
+
+TEST(WindowHelpers, SelectAllTrimsAndSelects) {
+  QLineEdit box;
+  box.setText(QStringLiteral("  /roms/  "));
+  SelectAllText(&box);
+  EXPECT_EQ(box.text(), QStringLiteral("/roms/"));
+  EXPECT_EQ(box.selectedText(), QStringLiteral("/roms/"));
+}
+
+TEST(WindowHelpers, FlatControlsByName) {
+  QWidget form;
+  auto* text = new QLineEdit(&form);
+  text->setObjectName(QStringLiteral("Text1"));
+  auto* other = new QLineEdit(&form);
+  other->setObjectName(QStringLiteral("Combo1Edit"));
+  auto* button = new QPushButton(&form);
+  button->setObjectName(QStringLiteral("Command2"));
+  FlatControls(&form);
+  EXPECT_FALSE(text->hasFrame());
+  EXPECT_TRUE(other->hasFrame());
+  EXPECT_TRUE(button->isFlat());
+}
+
+TEST(WindowHelpers, CenterFormInAParent) {
+  QWidget parent;
+  parent.resize(1000, 800);
+  QWidget child(&parent);
+  child.resize(200, 100);
+  CenterForm(&child, &parent);
+  EXPECT_EQ(child.pos(), QPoint(400, 310));
+}
+
+TEST(WindowHelpers, TextDecoding) {
+  EXPECT_EQ(ToQt("Fran\xC3\xA7"
+                 "ais"),
+            QStringLiteral("Fran\u00e7ais"));
+  // Not UTF-8: Windows-1252, with its euro sign.
+  EXPECT_EQ(ToQt("caf\xE9 \x80"), QStringLiteral("caf\u00e9 \u20ac"));
+  EXPECT_EQ(MessageText("a|b"), QStringLiteral("a\nb"));
+}
+
+TEST(AboutDialog, ShowsVersionAndSystemFacts) {
+  WorkingFixture f;
+  f.ctx.store.DatabaseVersion = "0.261 (mame0261)";
+  AboutDialog dialog(nullptr, f.ctx);
+  EXPECT_EQ(dialog.windowTitle(), QStringLiteral("About Tessarin"));
+  EXPECT_NE(Child<QLabel>(&dialog, "lblVersion")->text().indexOf(ToQt(AppVersion())), -1);
+  EXPECT_NE(Child<QLabel>(&dialog, "lblDatabase")->text().indexOf(QStringLiteral("0.261")), -1);
+  EXPECT_TRUE(Child<QLabel>(&dialog, "lblFreeware")
+                  ->text()
+                  .startsWith(QStringLiteral("This is a freeware. Visit")));
+  const QString facts = AboutDialog::SystemFacts(f.ctx);
+  EXPECT_NE(facts.indexOf(QStringLiteral("Qt ")), -1);
+  dialog.show();
+  QTest::qWait(20);
+  Shot(&dialog, QStringLiteral("about_en"));
+}
+
 // --- Priority ---
 
 TEST(PriorityDialog, RowsApplyAtOnceAndMarkTheChoice) {
@@ -643,8 +785,15 @@ TEST(Program, SecondInstanceEndsSilentlyAndTouchesNothing) {
   first.setProcessEnvironment(env);
   first.start(program, {QStringLiteral("--home"), ToQt(home.Path())});
   ASSERT_TRUE(first.waitForStarted());
-  // The first run is up once its folders exist.
-  ASSERT_TRUE(WaitFor([&] { return QFileInfo::exists(ToQt(home / "HTML/help.htm")); }, 15000));
+  // The first run is up once its folders and its site list exist; give it a moment more to
+  // show its frame, so that it writes nothing while the second one runs.
+  ASSERT_TRUE(WaitFor(
+      [&] {
+        return QFileInfo::exists(ToQt(home / "HTML/help.htm")) &&
+               QFileInfo::exists(ToQt(home / "Tessarin.url.inf"));
+      },
+      15000));
+  QTest::qWait(700);
   ASSERT_TRUE(QFileInfo::exists(ToQt(home / "Tessarin.lock")));
   WriteFile(home / "Tessarin.log.txt", "first run's log\r\n");
   const QStringList before =
