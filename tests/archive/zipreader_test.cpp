@@ -119,6 +119,31 @@ TEST(ZipReader, OnlyFoldersGiveNoEntriesAndExtractAllSucceeds) {
   EXPECT_TRUE(ListTree(tmp.Path() / "out").empty());
 }
 
+TEST(ZipReader, EmptyArchiveAndSplitArchive) {
+  TempFolder tmp("zr-empty");
+  RawZip empty;
+  empty.Write(tmp / "empty.zip");
+  ZipExtractionClass zip;
+  Recorder rec;
+  rec.Attach(zip);
+  ASSERT_TRUE(zip.ZipOpen(tmp / "empty.zip"));
+  EXPECT_EQ(zip.FileCount(), 0);
+  EXPECT_TRUE(zip.ExtractAllFiles(tmp / "out", true, true));
+
+  // The last part of an archive split over disks: the directory is said to be on another disk.
+  RawZip raw;
+  raw.Add("a.txt", "alpha", false);
+  std::string bytes = raw.Bytes();
+  bytes[bytes.size() - 22 + 4] = '\x01';
+  testing::WriteAll(tmp.Path() / "split.zip", bytes);
+  ASSERT_TRUE(zip.ZipOpen(tmp / "split.zip"));
+  rec.statuses.clear();
+  EXPECT_FALSE(zip.ExtractAllFiles(tmp / "split", true, true));
+  EXPECT_EQ(rec.statuses, (std::vector<std::string>{"Début d'extraction", "Extraction terminée"}));
+  EXPECT_TRUE(ListTree(tmp.Path() / "split").empty());
+  EXPECT_TRUE(rec.errors.empty());
+}
+
 TEST(ZipReader, ColonInNameBecomesUnderscore) {
   TempFolder tmp("zr-colon");
   RawZip raw;
