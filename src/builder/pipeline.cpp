@@ -50,7 +50,6 @@ bool BuildDatabase(AppContext& ctx, Work& work) {
     log.WriteLogLine(LogDate() + " " + LogTime() + " New indexing...", true);
     store.Clear();
 
-    work.SetStatus("Importing the game list");
     std::string path;
     ImportListXml(ctx, work, path);
     if (cancelled()) return logCancel();
@@ -69,7 +68,6 @@ bool BuildDatabase(AppContext& ctx, Work& work) {
       return;
     }
 
-    work.SetStatus("Analysing the data files");
     ResetVerAddedField(store);
     const bool verAddedFromMameinfo = AnalyseVerAddedMameinfo(ctx, std::string(), false, work);
     // Wizsort.ini covers genre, category, driver, manufacturer, version added, year, mature
@@ -103,7 +101,6 @@ bool BuildDatabase(AppContext& ctx, Work& work) {
     const int count = store.GameCount();
     for (int i = 1; i <= count; ++i) ResolveEntities(store.GameRecords[static_cast<size_t>(i)]);
 
-    work.SetStatus("Writing the index");
     MakeFolder(DataFilesFolder(ctx.AppFolder()));
     built = SaveIndex(store, log, &work, IndexFilePath(ctx.AppFolder()));
   });
