@@ -109,15 +109,18 @@ void MainFrame::BuildMenu() {
   separator(main, "MnuT3");
   connect(action(main, "MnuQuitter", ToQt(m.Lng(24))), &QAction::triggered, this, &QWidget::close);
   for (QAction* a : {find, update, layouts, xml, copy}) {
-    const QString key = a->objectName();
-    connect(a, &QAction::triggered, this, [this, key] {
-      const auto it = m_menuFactories.constFind(key);
+    const QString name = a->objectName();
+    connect(a, &QAction::triggered, this, [this, name] {
+      const auto it = m_menuFactories.constFind(name);
       if (it == m_menuFactories.constEnd()) return;
-      const int entry = key == QStringLiteral("MnuRecherche") ? 0 : -1;
-      if (m_openDialogs.value(key)) {
-        m_openDialogs.value(key)->show();
-        m_openDialogs.value(key)->raise();
-        m_openDialogs.value(key)->activateWindow();
+      // The menu's search is the panel's search: one dialog for both.
+      const bool search = name == QStringLiteral("MnuRecherche");
+      const int entry = search ? 0 : -1;
+      const QString key = search ? QStringLiteral("Entry0") : name;
+      if (QWidget* open = m_openDialogs.value(key)) {
+        open->show();
+        open->raise();
+        open->activateWindow();
         return;
       }
       OpenDialog(entry, key, (*it)(*this));
@@ -272,9 +275,7 @@ void MainFrame::OpenDialog(int entry, const QString& key, QWidget* dialog) {
 
 void MainFrame::CloseSearchDialog() {
   m_ctx.SearchMayClose = true;
-  for (const QString& key : {QStringLiteral("Entry0"), QStringLiteral("MnuRecherche")}) {
-    if (QWidget* search = m_openDialogs.value(key)) search->close();
-  }
+  if (QWidget* search = m_openDialogs.value(QStringLiteral("Entry0"))) search->close();
 }
 
 bool MainFrame::RunJob(const std::string& label, const std::function<void(Work&)>& job,

@@ -293,6 +293,35 @@ TEST(DesktopStart, RegisteredDialogEnablesItsEntryAndBringsThePanelBack) {
   EXPECT_TRUE(WaitFor([&] { return run.frame->Panel() != nullptr; }));
 }
 
+TEST(DesktopStart, MenuAndPanelShareOneSearchDialogThatTheCloseLetsGo) {
+  DesktopRun run;
+  WriteFile(run.Path("Tessarin.inf"), "Language=1\r\nMDIState=0\r\n");
+  run.Start();
+  int made = 0;
+  const DialogFactory search = [&made](MainFrame& frame) {
+    ++made;
+    auto* dialog = new QDialog(&frame);
+    dialog->setObjectName(QStringLiteral("Form6"));
+    return dialog;
+  };
+  run.frame->RegisterPanelDialog(0, search);
+  run.frame->RegisterMenuDialog(QStringLiteral("MnuRecherche"), search);
+  auto* find = run.frame->findChild<QAction*>(QStringLiteral("MnuRecherche"));
+  ASSERT_NE(find, nullptr);
+  EXPECT_TRUE(find->isEnabled());
+  find->trigger();
+  EXPECT_EQ(made, 1);
+  find->trigger();
+  run.frame->RunEntry(0);
+  EXPECT_EQ(made, 1);
+  QPointer<QDialog> dialog = run.frame->findChild<QDialog*>(QStringLiteral("Form6"));
+  ASSERT_NE(dialog, nullptr);
+  EXPECT_FALSE(run.ctx.SearchMayClose);
+  run.frame->CloseSearchDialog();
+  EXPECT_TRUE(run.ctx.SearchMayClose);
+  EXPECT_TRUE(WaitFor([&] { return dialog.isNull(); }));
+}
+
 TEST(DesktopStart, PanelPositionZeroIsCentredButAPositiveOneIsKept) {
   {
     DesktopRun run;
