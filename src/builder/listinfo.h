@@ -15,7 +15,8 @@ class Work;
 //
 // `path` empty means the default dump, and is set to it. Writes " Analysing " and the path to
 // the run log when the file exists. A missing or empty file leaves GameCount() at 0; a fault
-// goes to the error tracker and leaves the store without the games of this import.
+// (such as a description line too short to hold a value) goes to the error tracker, and the
+// games read so far stay, without the EndRecord.
 void ImportListInfo(AppContext& ctx, Work& work, std::string& path);
 
 }  // namespace tessarin

@@ -323,6 +323,24 @@ TEST(ListXml, MissingOrEmptyFileGivesNoGame) {
   EXPECT_EQ(home.ctx.store.GameRecords.size(), 1u);
 }
 
+TEST(ListXml, HugeLinesGarbageAndATruncatedEndDoNoHarm) {
+  TestHome home;
+  std::string text = "<mame>\n\t<machine name=\"big\">\n\t\t<description>";
+  text += std::string(10 << 20, 'x');
+  text += "</description>\n";
+  for (int i = 0; i < 4096; ++i) text.push_back(static_cast<char>((i * 7919) % 256));
+  text += "\n\t<machine name=\"cut\" sourcefile=\"c.cpp";
+  const std::string path = home.Folder() + "dump.xml";
+  WriteBytes(path, text);
+  Import(home, path, 1 << 16);
+  const GameStore& store = home.ctx.store;
+  EXPECT_EQ(home.ctx.log.BugCount(), 0);
+  ASSERT_GE(store.GameCount(), 2);
+  EXPECT_EQ(FieldValue(store.GameRecords[1], 'B').size(), size_t{10 << 20});
+  EXPECT_EQ(store.GameNames().back(), "cut");
+  EXPECT_EQ(store.GameRecords.back(), EndRecordAt(text.size()));
+}
+
 TEST(ListXml, LegacyListGivesNoGame) {
   TestHome home;
   Import(home, BuilderFixture("dumps/legacy_crlf.listinfo"));

@@ -159,12 +159,18 @@ TEST(Pipeline, WizsortTakesThePlaceOfTheOtherClassifyingLists) {
   PutDump(home, "dumps/machine_lf.xml", DefaultListXmlPath(home.Folder()));
   WriteBytes(home.DataFiles() + "wizsort.ini", "[Genre]\r\npacman=Maze\r\n");
   WriteBytes(home.DataFiles() + "genre.inf", "[Shooter]\r\ndkong\r\npacman\r\n");
+  WriteBytes(home.DataFiles() + "catlist.ini", "[Platform]\r\ndkong\r\n");
+  WriteBytes(home.DataFiles() + "catver.ini",
+             "[Category]\r\ndkong=Platform\r\n[VerAdded]\r\ndkong=.37b5\r\n");
+  WriteBytes(home.DataFiles() + "mature.inf", "[Mature]\r\ndkong\r\n");
   Work work;
   ASSERT_TRUE(BuildDatabase(home.ctx, work));
   const GameStore& store = home.ctx.store;
   EXPECT_EQ(store.GenreTable, (CodeTable{"", "Maze"}));
-  EXPECT_NE(store.GameRecords[static_cast<size_t>(store.FindGame("dkong"))].find(";I#G;"),
-            std::string::npos);
+  const std::string& dkong = store.GameRecords[static_cast<size_t>(store.FindGame("dkong"))];
+  for (const char* untouched : {";I#G;", ";J#CA;", ";K#V;", ";L#X;"}) {
+    EXPECT_NE(dkong.find(untouched), std::string::npos) << untouched << " in " << dkong;
+  }
   // Without Wizsort.ini the genre file counts.
   TestHome other;
   PutDump(other, "dumps/machine_lf.xml", DefaultListXmlPath(other.Folder()));
@@ -172,6 +178,24 @@ TEST(Pipeline, WizsortTakesThePlaceOfTheOtherClassifyingLists) {
   Work otherWork;
   ASSERT_TRUE(BuildDatabase(other.ctx, otherWork));
   EXPECT_EQ(other.ctx.store.GenreTable, (CodeTable{"", "Shooter"}));
+}
+
+TEST(Pipeline, CatverGivesOnlyVersionsInABuild) {
+  for (const bool withCatlist : {false, true}) {
+    TestHome home;
+    PutDump(home, "dumps/machine_lf.xml", DefaultListXmlPath(home.Folder()));
+    WriteBytes(home.DataFiles() + "catver.ini",
+               "[category]\r\ndkong=Platform\r\nsf2=Fighter\r\n[VerAdded]\r\ndkong=.37b5\r\n");
+    if (withCatlist) WriteBytes(home.DataFiles() + "catlist.ini", "[Fighter]\r\nsf2\r\n");
+    Work work;
+    ASSERT_TRUE(BuildDatabase(home.ctx, work));
+    const GameStore& store = home.ctx.store;
+    const std::string& dkong = store.GameRecords[static_cast<size_t>(store.FindGame("dkong"))];
+    EXPECT_NE(dkong.find(";J#CA;"), std::string::npos) << dkong;
+    EXPECT_NE(dkong.find(";K1;"), std::string::npos) << dkong;
+    EXPECT_EQ(store.VerAddedTable, (CodeTable{"", "0.037b5"}));
+    EXPECT_EQ(store.CategoryTable, withCatlist ? (CodeTable{"", "Fighter"}) : (CodeTable{""}));
+  }
 }
 
 TEST(Pipeline, BuildSaveLoadGivesTheWholeStoreBack) {

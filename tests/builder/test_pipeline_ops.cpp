@@ -189,6 +189,18 @@ TEST(DatabaseOps, CreateDatabaseWithASilentEmulatorKeepsTheOldDatabase) {
   EXPECT_EQ(ReadBytes(IndexFilePath(home.Folder())), "old\r\n");
 }
 
+TEST(DatabaseOps, EmulatorWithoutVersionLineGivesAnEmptyFirstLine) {
+  TestHome home;
+  home.ctx.settings.InfWrite("Datafile1", kFakeEmulator);
+  home.ctx.store.DatabaseVersion = "from an earlier run";
+  EnvVar noVersion("TESSARIN_FAKE_NOVERSION", "1");
+  Work work;
+  ASSERT_TRUE(CreateDatabase(home.ctx, work));
+  EXPECT_EQ(home.ctx.store.DatabaseVersion, "");
+  const std::string index = ReadBytes(IndexFilePath(home.Folder()));
+  EXPECT_EQ(index.substr(0, 10), "\r\npuckman;");
+}
+
 TEST(DatabaseOps, CreateDatabaseWithoutEmulatorAsksForOne) {
   TestHome home;
   home.ctx.settings.InfWrite("Datafile1", home.Folder() + "nothing here");
