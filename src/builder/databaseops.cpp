@@ -230,7 +230,7 @@ bool RunListInfo(AppContext& ctx, Work& work, const std::string& path) {
   return made;
 }
 
-bool CreateDatabase(AppContext& ctx, Work& work, const std::string& dumpFile) {
+bool CreateDatabase(AppContext& ctx, Work& work, const std::string& dumpFile, bool copyDump) {
   const Messages& msg = ctx.messages;
   UserInterface& ui = ctx.Ui();
   const std::string& app = ctx.AppFolder();
@@ -267,15 +267,16 @@ bool CreateDatabase(AppContext& ctx, Work& work, const std::string& dumpFile) {
     KillQuiet(xml ? legacyDump : xmlDump);
     std::error_code error;
     const fs::path from = FsPath(dumpFile), to = FsPath(dump);
-    if (!(fs::exists(to, error) && fs::equivalent(from, to, error))) {
+    // Only the dump's own path given is left as it is.
+    if (fs::weakly_canonical(from, error) != fs::weakly_canonical(to, error)) {
       // A second name for the same file where the file system allows it: a list of a few
       // hundred megabytes is not written again, and deleting the original later leaves the
       // dump whole. Elsewhere, a copy.
       error.clear();
       fs::remove(to, error);
       error.clear();
-      fs::create_hard_link(from, to, error);
-      if (error) {
+      if (!copyDump) fs::create_hard_link(from, to, error);
+      if (copyDump || error) {
         error.clear();
         fs::copy_file(from, to, fs::copy_options::overwrite_existing, error);
       }

@@ -179,8 +179,12 @@ int RunCli(int argc, char** argv, const std::string& executableFolder) {
   build
       ->add_option("--dump", dump,
                    "An existing -listxml or -listinfo output to use instead of running the "
-                   "emulator for its list")
+                   "emulator for its list; it becomes the database's dump (a second name for "
+                   "the same file where the file system allows, else a copy), so don't "
+                   "rewrite it in place afterwards, or give --copy")
       ->check(CLI::ExistingFile);
+  bool copyDump = false;
+  build->add_flag("--copy", copyDump, "Copy the --dump file even where it could be linked");
 
   std::vector<std::string> kinds;
   CLI::App* update =
@@ -249,8 +253,8 @@ int RunCli(int argc, char** argv, const std::string& executableFolder) {
     if (ctx.settings.InfRead("DataFile1") == "-1" && !paths[1].empty()) {
       ctx.settings.InfWrite("Datafile1", paths[1]);
     }
-    const bool ok =
-        RunWithProgress(work, ui, screen, [&] { return CreateDatabase(ctx, work, dump); });
+    const bool ok = RunWithProgress(work, ui, screen,
+                                    [&] { return CreateDatabase(ctx, work, dump, copyDump); });
     if (ok) {
       std::printf("%d games written to %s\n", ctx.store.GameCount(),
                   IndexFilePath(ctx.AppFolder()).c_str());

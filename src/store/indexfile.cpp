@@ -98,7 +98,6 @@ bool LoadIndex(GameStore& store, Log& log, const std::string& path) {
 
     size_t pos = 0;
     std::string_view line;
-    store.DatabaseVersion.clear();
     if (!text.empty() && NextLine(text, pos, line)) store.DatabaseVersion.assign(line);
 
     CodeTable* section = nullptr;

@@ -152,6 +152,25 @@ TEST_F(Cli, BuildFromAGivenDump) {
   EXPECT_EQ(RunCli(With({"record", "pacman"})).out, IndexLineOf("pacman") + "\n");
 }
 
+TEST_F(Cli, GivenDumpIsLinkedOrCopied) {
+  const std::string given = Home() + "/given list.xml";
+  WriteBytes(given, ReadBytes(BuilderFixture("dumps/machine_lf.xml")));
+  const std::string dump = Home() + "/DataFiles/listxml";
+  ASSERT_EQ(RunCli(With({"build", "--dump", given})).exitCode, 0);
+  EXPECT_EQ(ReadBytes(dump), ReadBytes(given));
+  // Here both lie on one file system: the dump is the same file under a second name.
+  EXPECT_TRUE(std::filesystem::equivalent(dump, given));
+  ASSERT_EQ(RunCli(With({"--yes", "build", "--dump", given, "--copy"})).exitCode, 0);
+  EXPECT_FALSE(std::filesystem::equivalent(dump, given));
+  EXPECT_EQ(ReadBytes(dump), ReadBytes(given));
+  // Deleting the given file leaves the database whole.
+  std::filesystem::remove(given);
+  EXPECT_EQ(ReadBytes(dump), ReadBytes(BuilderFixture("dumps/machine_lf.xml")));
+  // The dump itself may be given: it stays where it is.
+  ASSERT_EQ(RunCli(With({"--yes", "build", "--dump", dump})).exitCode, 0);
+  EXPECT_EQ(ReadBytes(dump), ReadBytes(BuilderFixture("dumps/machine_lf.xml")));
+}
+
 TEST_F(Cli, BuildWithASilentEmulatorFails) {
   const CliResult built = RunCli(With({"build", "--emulator", BuilderFixture("cli/fake-mame.sh")}),
                                  {{QStringLiteral("TESSARIN_FAKE_SILENT"), QStringLiteral("1")}});
