@@ -7,7 +7,9 @@
 # `mame -listxml` into /tmp/listxml.xml. For RUNS rounds (default 5) it measures, one after the
 # other in each round so that all see the same machine load:
 #   grep -c '<machine ' LIST                           (the yardstick: one pass over the file)
-#   tessarin-cli --home FRESH --yes build --dump LIST  (complete creation, no data files)
+#   tessarin-cli --home FRESH --yes build --dump LIST  (complete creation, no data files; the
+#                                                      list is copied into the data folder)
+#   the same with --link                               (the list linked, not copied)
 #   tessarin-cli --home FRESH info                     (loading the index it wrote)
 # and prints the median wall time and the median peak resident memory of each (GNU time), and
 # the build's time as a multiple of grep's. The program is $TESSARIN_CLI, else
@@ -64,17 +66,21 @@ for ((r = 1; r <= runs; r++)); do
   machines=$(cat "$work/stdout")
   rm -rf "$home"
   measure "$work/build" "$cli" --home "$home" --yes build --dump "$list"
+  rm -rf "$home.link"
+  measure "$work/build-link" "$cli" --home "$home.link" --yes build --dump "$list" --link
   measure "$work/info" "$cli" --home "$home" info
   games=$(sed -n 's/^GameCount: //p' "$work/stdout")
 done
 
 grep_s=$(median "$work/grep" 1)
 build_s=$(median "$work/build" 1)
+link_s=$(median "$work/build-link" 1)
 printf 'list: %s (%s bytes), %s machine lines, %s games in the database; %s runs\n' \
   "$list" "$(stat -c %s "$list")" "$machines" "$games" "$runs"
 printf '%-34s %10s %14s\n' "command" "median s" "median peak MB"
-for name in grep build info; do
+for name in grep build build-link info; do
   printf '%-34s %10s %14s\n' "$name" "$(median "$work/$name" 1)" \
     "$(awk -v kb="$(median "$work/$name" 2)" 'BEGIN { printf "%.1f", kb / 1024 }')"
 done
-awk -v b="$build_s" -v g="$grep_s" 'BEGIN { printf "build / grep: %.2f\n", (g > 0 ? b / g : 0) }'
+awk -v b="$build_s" -v l="$link_s" -v g="$grep_s" 'BEGIN {
+  printf "build / grep: %.2f   build-link / grep: %.2f\n", (g > 0 ? b / g : 0), (g > 0 ? l / g : 0) }'

@@ -230,7 +230,7 @@ bool RunListInfo(AppContext& ctx, Work& work, const std::string& path) {
   return made;
 }
 
-bool CreateDatabase(AppContext& ctx, Work& work, const std::string& dumpFile, bool copyDump) {
+bool CreateDatabase(AppContext& ctx, Work& work, const std::string& dumpFile, bool linkDump) {
   const Messages& msg = ctx.messages;
   UserInterface& ui = ctx.Ui();
   const std::string& app = ctx.AppFolder();
@@ -269,14 +269,13 @@ bool CreateDatabase(AppContext& ctx, Work& work, const std::string& dumpFile, bo
     const fs::path from = FsPath(dumpFile), to = FsPath(dump);
     // Only the dump's own path given is left as it is.
     if (fs::weakly_canonical(from, error) != fs::weakly_canonical(to, error)) {
-      // A second name for the same file where the file system allows it: a list of a few
-      // hundred megabytes is not written again, and deleting the original later leaves the
-      // dump whole. Elsewhere, a copy.
+      // A copy, so that the database keeps its list whatever becomes of the original; or,
+      // when asked, a second name for the same file, which costs no writing.
       error.clear();
       fs::remove(to, error);
       error.clear();
-      if (!copyDump) fs::create_hard_link(from, to, error);
-      if (copyDump || error) {
+      if (linkDump) fs::create_hard_link(from, to, error);
+      if (!linkDump || error) {
         error.clear();
         fs::copy_file(from, to, fs::copy_options::overwrite_existing, error);
       }

@@ -44,12 +44,12 @@ bool RunListInfo(AppContext& ctx, Work& work, const std::string& path);
 // The complete creation: asks before replacing an existing database, runs the emulator for its
 // version and its list (XML, else legacy), builds, scans the roms and saves the index twice.
 // With `dumpFile` given the emulator is not run for the list: that file (an -listxml or
-// -listinfo output) takes the dump's place instead, as a second name of the same file where the
-// file system allows (a list of a few hundred megabytes is then not written again), else, or
-// with `copyDump`, as a copy. Gives true when a new database was written; every failure is told
-// through the user interface.
+// -listinfo output) is copied to the dump's place instead, or, with `linkDump`, given a second
+// name there where the file system allows (a list of a few hundred megabytes is then not
+// written again; the original must then not be rewritten in place). Gives true when a new
+// database was written; every failure is told through the user interface.
 bool CreateDatabase(AppContext& ctx, Work& work, const std::string& dumpFile = {},
-                    bool copyDump = false);
+                    bool linkDump = false);
 
 // Runs the analysers over the records in memory (loading the index first when needed), with
 // their fields reset. Gives true after a full run; the caller saves the index.

@@ -179,12 +179,12 @@ int RunCli(int argc, char** argv, const std::string& executableFolder) {
   build
       ->add_option("--dump", dump,
                    "An existing -listxml or -listinfo output to use instead of running the "
-                   "emulator for its list; it becomes the database's dump (a second name for "
-                   "the same file where the file system allows, else a copy), so don't "
-                   "rewrite it in place afterwards, or give --copy")
+                   "emulator for its list; it is copied to the dump's place")
       ->check(CLI::ExistingFile);
-  bool copyDump = false;
-  build->add_flag("--copy", copyDump, "Copy the --dump file even where it could be linked");
+  bool linkDump = false;
+  build->add_flag("--link", linkDump,
+                  "Give the --dump file a second name in the data folder instead of copying it "
+                  "(same file system only; don't rewrite the original in place afterwards)");
 
   std::vector<std::string> kinds;
   CLI::App* update =
@@ -254,7 +254,7 @@ int RunCli(int argc, char** argv, const std::string& executableFolder) {
       ctx.settings.InfWrite("Datafile1", paths[1]);
     }
     const bool ok = RunWithProgress(work, ui, screen,
-                                    [&] { return CreateDatabase(ctx, work, dump, copyDump); });
+                                    [&] { return CreateDatabase(ctx, work, dump, linkDump); });
     if (ok) {
       std::printf("%d games written to %s\n", ctx.store.GameCount(),
                   IndexFilePath(ctx.AppFolder()).c_str());
