@@ -57,8 +57,8 @@ class GameStore final {
   std::string DatabaseVersion;
 
   CodeTable ManufacturerTable, YearTable, OrientationTable, ButtonsTable, ControlsTable,
-      StatusTable, GenreTable, CategoryTable, VerAddedTable, BiosTable, DriverTable,
-      NPlayersTable, SavestateTable;
+      StatusTable, GenreTable, CategoryTable, VerAddedTable, BiosTable, DriverTable, NPlayersTable,
+      SavestateTable;
 
   CodeTable& Table(TableId id);
   const CodeTable& Table(TableId id) const;

@@ -237,13 +237,11 @@ fs::path WorkerPath(std::string_view text) {
   return fs::path(utf8);
 }
 
-int ZipClass::FileAdd(std::string_view specification, int pathChoice, bool recurseDirectories) {
-  const std::size_t cut = specification.find_last_of("\\/");
-  const std::string folderText = cut == std::string_view::npos
-                                     ? std::string(".")
-                                     : std::string(specification.substr(0, cut + 1));
-  const std::string pattern(cut == std::string_view::npos ? specification
-                                                          : specification.substr(cut + 1));
+int ZipClass::FileAdd(std::string_view fileSpec, int pathChoice, bool recurseDirectories) {
+  const std::size_t cut = fileSpec.find_last_of("\\/");
+  const std::string folderText =
+      cut == std::string_view::npos ? std::string(".") : std::string(fileSpec.substr(0, cut + 1));
+  const std::string pattern(cut == std::string_view::npos ? fileSpec : fileSpec.substr(cut + 1));
   const fs::path start = WorkerPath(folderText);
   std::error_code ec;
   if (pattern.empty() || !fs::is_directory(start, ec)) return 0;

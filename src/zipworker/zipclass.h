@@ -33,12 +33,12 @@ class ZipClass final {
   std::uint64_t SizeCompressed() const { return m_sizeCompressed; }
   std::uint64_t SizeUncompressed() const { return m_sizeUncompressed; }
 
-  // Adds the files that `specification` names: a file, or a folder and a pattern with the
+  // Adds the files that `fileSpec` names: a file, or a folder and a pattern with the
   // wildcards * and ? ("C:\roms\game\*.*", case ignored; "*.*" matches every name). With
   // `recurseDirectories` the subfolders are walked with the same pattern, each file being named
   // by its path below the start folder. `pathChoice` 0 keeps that path; any other value keeps
   // the file name alone. Gives the number of files added (0 when the folder is missing).
-  int FileAdd(std::string_view specification, int pathChoice, bool recurseDirectories);
+  int FileAdd(std::string_view fileSpec, int pathChoice, bool recurseDirectories);
   // Removes file `index` (1 to FileCount). False when there is no such file.
   bool FileDel(int index);
   // Writes the zip to `path`, replacing it. False when a file can't be read or the zip can't be

@@ -49,24 +49,24 @@ void MakeTree(const fs::path& root) {
 }
 
 TEST(ZipWorkerJob, ParseJob) {
-  std::string zip, spec;
-  ASSERT_TRUE(myzip::ParseJob("\"C:\\a.zip,C:\\b\\*.*\"", zip, spec));
+  std::string zip, fileSpec;
+  ASSERT_TRUE(myzip::ParseJob("\"C:\\a.zip,C:\\b\\*.*\"", zip, fileSpec));
   EXPECT_EQ(zip, "C:\\a.zip");
-  EXPECT_EQ(spec, "C:\\b\\*.*");
-  ASSERT_TRUE(myzip::ParseJob("  | \"/x/out.zip > /x/in/*.* ", zip, spec));
+  EXPECT_EQ(fileSpec, "C:\\b\\*.*");
+  ASSERT_TRUE(myzip::ParseJob("  | \"/x/out.zip > /x/in/*.* ", zip, fileSpec));
   EXPECT_EQ(zip, "/x/out.zip");
-  EXPECT_EQ(spec, "/x/in/*.*");
+  EXPECT_EQ(fileSpec, "/x/in/*.*");
   // The main program's own line: the closing quote is unbalanced on purpose.
-  ASSERT_TRUE(myzip::ParseJob("/d/game.zip,/s/game/*.*\"", zip, spec));
+  ASSERT_TRUE(myzip::ParseJob("/d/game.zip,/s/game/*.*\"", zip, fileSpec));
   EXPECT_EQ(zip, "/d/game.zip");
-  EXPECT_EQ(spec, "/s/game/*.*");
+  EXPECT_EQ(fileSpec, "/s/game/*.*");
   // The first comma wins, so a folder with a comma breaks the job, unless '>' is used.
-  ASSERT_TRUE(myzip::ParseJob("/d/a,b.zip,/s/a,b/*.*", zip, spec));
+  ASSERT_TRUE(myzip::ParseJob("/d/a,b.zip,/s/a,b/*.*", zip, fileSpec));
   EXPECT_EQ(zip, "/d/a");
-  ASSERT_TRUE(myzip::ParseJob("/d/a,b.zip>/s/a,b/*.*", zip, spec));
+  ASSERT_TRUE(myzip::ParseJob("/d/a,b.zip>/s/a,b/*.*", zip, fileSpec));
   EXPECT_EQ(zip, "/d/a,b.zip");
-  EXPECT_EQ(spec, "/s/a,b/*.*");
-  EXPECT_FALSE(myzip::ParseJob("/d/a.zip /s/*.*", zip, spec));
+  EXPECT_EQ(fileSpec, "/s/a,b/*.*");
+  EXPECT_FALSE(myzip::ParseJob("/d/a.zip /s/*.*", zip, fileSpec));
 }
 
 TEST(ZipWorkerJob, Patterns) {
