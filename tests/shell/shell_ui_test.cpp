@@ -21,6 +21,7 @@
 #include <filesystem>
 #include <functional>
 
+#include "core/fileservices.h"
 #include "core/work.h"
 #include "shell/aboutdialog.h"
 #include "shell/desktopshellui.h"
@@ -53,8 +54,13 @@ class ModalDriver final {
       QWidget* modal = QApplication::activeModalWidget();
       if (!modal || modal == m_last) return;
       m_last = modal;
-      m_handler(modal);
-      m_last = nullptr;
+      // Acts outside the timer's slot: a window that the handler opens in turn (a message from
+      // a button) then gets its own turn, since a timer never fires inside its own slot.
+      QPointer<QWidget> target = modal;
+      QTimer::singleShot(0, &m_timer, [this, target] {
+        if (target) m_handler(target);
+        m_last = nullptr;
+      });
     });
     m_timer.start();
   }
@@ -212,6 +218,34 @@ TEST(DesktopStart, DataUpdateCheckOnFirstStartOrWhenAsked) {
     EXPECT_EQ(automatic, c.automatic) << c.settings << c.firstRun;
     frame.close();
   }
+}
+
+TEST(DesktopStart, OtherLanguageWritesTheTemplateAndTheRunGoesOnInEnglish) {
+  DesktopRun run;
+  WriteFile(run.Path("Deutsch.lng"), "=Spieldatenbank\r\n");
+  std::vector<QString> seen;
+  ModalDriver driver([&](QWidget* modal) {
+    seen.push_back(modal->objectName());
+    if (modal->objectName() == QStringLiteral("Form2")) {
+      auto* combo = Child<QComboBox>(modal, "Combo1");
+      ASSERT_EQ(combo->count(), 4);
+      EXPECT_EQ(combo->itemText(2), QStringLiteral("Deutsch"));
+      Shot(modal, QStringLiteral("chooser"));
+      combo->setCurrentText(QStringLiteral("Other..."));
+      Click(modal, "Command1");
+    } else if (modal->objectName() == QStringLiteral("Form11")) {
+      EXPECT_NE(Child<QLabel>(modal, "Label1")->text().indexOf(QLatin1Char('\n')), -1);
+      Click(modal, "Command1");
+    } else if (modal->objectName() == QStringLiteral("Form4")) {
+      EXPECT_EQ(Child<QPushButton>(modal, "Command1")->text(), QStringLiteral("&Continue"));
+      Click(modal, "Command2");
+    }
+  });
+  run.Start();
+  ASSERT_EQ(seen.size(), 3u);
+  EXPECT_EQ(seen[1], QStringLiteral("Form11"));
+  EXPECT_EQ(run.ctx.messages.LanguageNumber, Messages::kEnglish);
+  EXPECT_TRUE(QFileInfo::exists(ToQt(FindFileNoCase(run.ctx.AppFolder(), "language.lng"))));
 }
 
 TEST(DesktopStart, NormalStartShowsFramePanelAndMenuCaptions) {
