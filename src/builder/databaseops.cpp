@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 
 #include "builder/datanalysers.h"
 #include "builder/inianalysers.h"
@@ -76,11 +77,11 @@ void RunEmulator(const AppContext& ctx, const std::string& option, const std::st
 
 // Whether the start of a dump is the XML list rather than the legacy one.
 bool LooksLikeXml(const std::string& path) {
-  std::FILE* file = std::fopen(path.c_str(), "rb");
+  std::ifstream file(FsPath(path), std::ios::binary);
   if (!file) return false;
   std::string head(65536, '\0');
-  head.resize(std::fread(head.data(), 1, head.size(), file));
-  std::fclose(file);
+  file.read(head.data(), static_cast<std::streamsize>(head.size()));
+  head.resize(static_cast<size_t>(file.gcount()));
   return head.find("<?xml") != std::string::npos || head.find("<mame") != std::string::npos ||
          head.find("<game") != std::string::npos || head.find("<machine") != std::string::npos;
 }

@@ -2,10 +2,9 @@
 
 #include <array>
 #include <charconv>
-#include <cstdio>
 #include <cstring>
 #include <filesystem>
-#include <memory>
+#include <fstream>
 
 #include "builder/tablelookup.h"
 #include "core/context.h"
@@ -64,12 +63,6 @@ std::string_view Between(std::string_view line) {
   return line.substr(open + 1, close - open - 1);
 }
 
-struct FileCloser {
-  void operator()(std::FILE* f) const {
-    if (f) std::fclose(f);
-  }
-};
-
 class XmlImporter final {
  public:
   XmlImporter(GameStore& store, Work& work, size_t blockSize)
@@ -87,10 +80,10 @@ class XmlImporter final {
 
   void Run(const std::string& path) {
     if (!FileExists(path)) return;
-    std::unique_ptr<std::FILE, FileCloser> file(std::fopen(path.c_str(), "rb"));
+    std::ifstream file(FsPath(path), std::ios::binary);
     if (!file) throw Failure(75, "Path/File access error");
     std::error_code error;
-    const auto length = static_cast<long long>(std::filesystem::file_size(path, error));
+    const auto length = static_cast<long long>(std::filesystem::file_size(FsPath(path), error));
     if (error) throw Failure(75, "Path/File access error");
     if (length == 0) return;
 
@@ -104,7 +97,8 @@ class XmlImporter final {
     while (true) {
       if (have == block.size()) block.resize(block.size() * 2);  // a line longer than a block
       const size_t wanted = block.size() - have;
-      const size_t got = std::fread(block.data() + have, 1, wanted, file.get());
+      file.read(block.data() + have, static_cast<std::streamsize>(wanted));
+      const auto got = static_cast<size_t>(file.gcount());
       have += got;
       if (got < wanted) atEnd = true;
 
