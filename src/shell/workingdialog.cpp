@@ -77,6 +77,9 @@ WorkingDialog::WorkingDialog(QWidget* parent, AppContext& ctx, Work& work, const
   m_statusTimer->setInterval(200);
   connect(m_statusTimer, &QTimer::timeout, this, &WorkingDialog::RefreshStatus);
 
+  // Read now, before the job's thread starts: the settings are not shared across threads.
+  m_storedTop = ctx.settings.InfReadNumber("FrmWorkTop");
+  m_storedLeft = ctx.settings.InfReadNumber("FrmWorkLeft");
   setCursor(Qt::BusyCursor);
   m_cancel->setCursor(Qt::ArrowCursor);
   adjustSize();
@@ -100,8 +103,8 @@ void WorkingDialog::showEvent(QShowEvent* event) {
 }
 
 void WorkingDialog::PlaceOnLoad() {
-  const int top = m_ctx.settings.InfReadNumber("FrmWorkTop");
-  const int left = m_ctx.settings.InfReadNumber("FrmWorkLeft");
+  const int top = m_storedTop;
+  const int left = m_storedLeft;
   QPoint place = pos();
   if (WorkingPositionApplies(left)) place.setX(left);
   if (WorkingPositionApplies(top)) place.setY(top);

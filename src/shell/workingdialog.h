@@ -54,6 +54,8 @@ class WorkingDialog final : public QDialog {
   QTimer* m_statusTimer;
   QString m_baseLabel;
   int m_tick = 0;
+  int m_storedTop = -1;
+  int m_storedLeft = -1;
   bool m_finished = false;
   bool m_placed = false;
 };
