@@ -97,10 +97,13 @@ struct CliState {
 // on a terminal, the status texts as plain lines otherwise.
 template <class Job>
 bool RunWithProgress(Work& work, TerminalInterface& ui, std::mutex& screen, Job job) {
+  CatchInterrupt();
   auto result = std::async(std::launch::async, job);
   const bool bar = IsTerminal(stderr);
   std::string lastStatus;
   while (result.wait_for(std::chrono::milliseconds(bar ? 150 : 250)) != std::future_status::ready) {
+    // Ctrl-C asks the job to stop at its next check, as the working dialog's cancel button does.
+    if (InterruptRequested()) work.CancelRequested = true;
     std::lock_guard lock(screen);
     const std::string status = work.Status();
     if (bar) {

@@ -1,5 +1,7 @@
 #include "cli/terminal.h"
 
+#include <csignal>
+
 #ifdef _WIN32
 #include <io.h>
 #else
@@ -16,5 +18,22 @@ bool IsTerminal(std::FILE* stream) {
   return isatty(fileno(stream)) != 0;
 #endif
 }
+
+namespace {
+
+// A signal handler can reach nothing but a flag of static storage: this is the one such flag of
+// the program, and it only ever goes from 0 to 1.
+volatile std::sig_atomic_t g_interrupted = 0;
+
+extern "C" void OnInterrupt(int) {
+  g_interrupted = 1;
+  std::signal(SIGINT, SIG_DFL);
+}
+
+}  // namespace
+
+void CatchInterrupt() { std::signal(SIGINT, OnInterrupt); }
+
+bool InterruptRequested() { return g_interrupted != 0; }
 
 }  // namespace tessarin
