@@ -308,6 +308,23 @@ TEST(DesktopStart, ExistingDatabaseIsLoadedAndNamedOnThePanel) {
   EXPECT_GE(run.sites.SearchEngineCount(), 2);
 }
 
+TEST(DesktopStart, HelpAndThanksMenusOpenTheirPages) {
+  DesktopRun run;
+  WriteFile(run.Path("Tessarin.inf"), "Language=1\r\nMDIState=0\r\n");
+  run.Start();
+  run.frame->findChild<QAction*>(QStringLiteral("MnuHelp"))->trigger();
+  run.frame->findChild<QAction*>(QStringLiteral("MnuTx3"))->trigger();
+  ASSERT_EQ(run.opened.size(), 2u);
+  EXPECT_EQ(run.opened[0], run.Path("HTML/help.htm"));
+  EXPECT_EQ(run.opened[1], "http://www.mamedev.org");
+  EXPECT_FALSE(run.frame->findChild<QAction*>(QStringLiteral("MnuThx"))->isEnabled());
+  // The panel's quit entry closes the frame, which stores its place.
+  run.frame->RunEntry(8);
+  EXPECT_FALSE(run.frame->isVisible());
+  EXPECT_EQ(run.StoredKey("MDIState"), "0");
+  EXPECT_NE(run.StoredKey("MDILeft"), "-1");
+}
+
 TEST(DesktopStart, RegisteredDialogEnablesItsEntryAndBringsThePanelBack) {
   DesktopRun run;
   WriteFile(run.Path("Tessarin.inf"), "Language=1\r\nMDIState=0\r\n");
@@ -526,6 +543,21 @@ TEST(WorkingDialog, PercentFramesTitleAndCancelQuestion) {
   EXPECT_EQ(f.ui.questions.size(), 2u);
   EXPECT_NE(f.ctx.settings.InfRead("FrmWorkTop"), "-1");
   EXPECT_NE(f.ctx.settings.InfRead("FrmWorkLeft"), "-1");
+}
+
+TEST(WorkingDialog, EscapeAsksLikeTheCancelButton) {
+  WorkingFixture f;
+  f.ui.answer = true;
+  QTimer::singleShot(50, [&] {
+    QWidget* dialog = QApplication::activeModalWidget();
+    ASSERT_NE(dialog, nullptr);
+    QTest::keyClick(dialog, Qt::Key_Escape);
+  });
+  const bool completed = RunWithWorkingDialog(nullptr, f.ctx, "x", [&](Work& w) {
+    while (!w.CancelRequested) QThread::msleep(5);
+  });
+  EXPECT_FALSE(completed);
+  EXPECT_EQ(f.ui.questions.size(), 1u);
 }
 
 TEST(WorkingDialog, UnknownMaximumShowsFrameZero) {
