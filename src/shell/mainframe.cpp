@@ -82,7 +82,7 @@ bool MainFrame::PanelEntryAvailable(int entry) const {
 
 void MainFrame::BuildMenu() {
   const Messages& m = m_ctx.messages;
-  auto action = [this](QMenu* menu, const char* name, const QString& caption) {
+  auto action = [](QMenu* menu, const char* name, const QString& caption) {
     QAction* a = menu->addAction(caption);
     a->setObjectName(QString::fromLatin1(name));
     return a;
