@@ -231,9 +231,9 @@ bool AnalyseMameinfo(AppContext& ctx, bool reset, Work& work) {
   bool result = false;
   RunGuarded(ctx.log, 3401, [&] {
     GameStore& store = ctx.store;
-    if (reset) ResetMameinfoField(store);
     const std::string path = FindDataFile(ctx, "DataFile3", "datafiles/mameinfo.dat");
     if (path.empty()) return;
+    if (reset) ResetMameinfoField(store);
     ctx.log.WriteLogLine(AnalysingLine(path, "  for MameInfo data."));
     DataLineReader reader;
     if (!reader.Open(path) || reader.FileLength() == 0) return;
@@ -280,9 +280,9 @@ bool AnalyseHistory(AppContext& ctx, bool reset, Work& work) {
   bool result = false;
   RunGuarded(ctx.log, 3402, [&] {
     GameStore& store = ctx.store;
-    if (reset) ResetHistoryField(store);
     const std::string path = FindDataFile(ctx, "DataFile2", "datafiles/history.dat");
     if (path.empty()) return;
+    if (reset) ResetHistoryField(store);
     ctx.log.WriteLogLine(AnalysingLine(path, "  for History data."));
     DataLineReader reader;
     if (!reader.Open(path) || reader.FileLength() == 0) return;
@@ -331,9 +331,9 @@ bool AnalyseCommand(AppContext& ctx, bool reset, Work& work) {
   (void)work;
   RunGuarded(ctx.log, 3403, [&] {
     GameStore& store = ctx.store;
-    if (reset) ResetCommandField(store);
     const std::string path = FindDataFile(ctx, "DataFile5", "datafiles/command.dat");
     if (path.empty()) return;
+    if (reset) ResetCommandField(store);
     ctx.log.WriteLogLine(AnalysingLine(path, "  for Command data."));
     DataLineReader reader;
     if (!reader.Open(path) || reader.FileLength() == 0) return;
@@ -383,9 +383,9 @@ bool AnalyseHiscore(AppContext& ctx, bool reset, Work& work) {
   RunGuarded(ctx.log, 3404, [&] {
     GameStore& store = ctx.store;
     work.ProgressValue = work.ProgressMax.load();
-    if (reset) ResetHiscoreField(store);
     const std::string path = FindDataFile(ctx, "DataFile6", "datafiles/hiscore.dat");
     if (path.empty()) return;
+    if (reset) ResetHiscoreField(store);
     ctx.log.WriteLogLine(AnalysingLine(path, "  for Hiscore data."));
     DataLineReader reader;
     if (!reader.Open(path)) return;
@@ -418,9 +418,9 @@ bool AnalyseCheat(AppContext& ctx, bool reset, Work& work) {
   RunGuarded(ctx.log, 3405, [&] {
     GameStore& store = ctx.store;
     work.ProgressValue = work.ProgressMax.load();
-    if (reset) ResetCheatField(store);
     const std::string path = FindDataFile(ctx, "DataFile4", "datafiles/cheat.dat");
     if (path.empty()) return;
+    if (reset) ResetCheatField(store);
     ctx.log.WriteLogLine(AnalysingLine(path, "  for Cheat data."));
     DataLineReader reader;
     if (!reader.Open(path)) return;

@@ -226,12 +226,12 @@ bool AnalyseVerAddedFile(AppContext& ctx, bool reset, Work& work) {
   if (!mameinfo.empty()) return AnalyseVerAddedMameinfo(ctx, mameinfo, reset, work);
   RunGuarded(ctx.log, 3509, [&] {
     GameStore& store = ctx.store;
-    if (reset) ResetVerAddedField(store);
     const std::string path = FindDataFile(ctx, "DataFile17", "datafiles/version.inf");
     if (path.empty()) {
       ProgressToEnd(work);
       return;
     }
+    if (reset) ResetVerAddedField(store);
     ctx.log.WriteLogLine(AnalysingLine(path, "  for Mame version added."));
     DataLineReader reader;
     if (!OpenWithProgress(reader, path, work)) return;
@@ -245,7 +245,6 @@ bool AnalyseCatlist(AppContext& ctx, bool reset, Work& work) {
   bool result = false;
   RunGuarded(ctx.log, 3502, [&] {
     GameStore& store = ctx.store;
-    if (reset) ResetCategoryField(store);
     const std::string path = FindDataFile(ctx, "DataFile12", "DataFiles/Catlist.ini");
     // Without the file this still reports success: the build then takes no categories from
     // Catver.ini either.
@@ -254,6 +253,7 @@ bool AnalyseCatlist(AppContext& ctx, bool reset, Work& work) {
       result = true;
       return;
     }
+    if (reset) ResetCategoryField(store);
     ctx.log.WriteLogLine(AnalysingLine(path, "  for categories."));
     DataLineReader reader;
     if (!OpenWithProgress(reader, path, work)) return;
@@ -267,12 +267,12 @@ bool AnalyseGenre(AppContext& ctx, bool reset, Work& work) {
   bool result = false;
   RunGuarded(ctx.log, 3504, [&] {
     GameStore& store = ctx.store;
-    if (reset) ResetGenreField(store);
     const std::string path = FindDataFile(ctx, "DataFile14", "Datafiles/genre.inf");
     if (path.empty()) {
       ProgressToEnd(work);
       return;
     }
+    if (reset) ResetGenreField(store);
     ctx.log.WriteLogLine(AnalysingLine(path, "  for genres."));
     DataLineReader reader;
     if (!OpenWithProgress(reader, path, work)) return;
@@ -290,12 +290,12 @@ bool AnalyseMultiplayer(AppContext& ctx, bool reset, Work& work) {
   bool result = false;
   RunGuarded(ctx.log, 3506, [&] {
     GameStore& store = ctx.store;
-    if (reset) ResetNPlayersField(store);
     const std::string path = FindDataFile(ctx, "DataFile8", "datafiles/multiplayer.ini");
     if (path.empty()) {
       ProgressToEnd(work);
       return;
     }
+    if (reset) ResetNPlayersField(store);
     ctx.log.WriteLogLine(AnalysingLine(path, "  for number of players."));
     DataLineReader reader;
     if (!OpenWithProgress(reader, path, work)) return;
@@ -312,13 +312,13 @@ bool AnalyseNPlayers(AppContext& ctx, bool reset, Work& work) {
   bool result = false;
   RunGuarded(ctx.log, 3507, [&] {
     GameStore& store = ctx.store;
-    if (reset) ResetNPlayersField(store);
     const std::string path = FindDataFile(ctx, "DataFile8", "datafiles/nplayers.ini");
     if (path.empty()) {
       ProgressToEnd(work);
       result = true;
       return;
     }
+    if (reset) ResetNPlayersField(store);
     ctx.log.WriteLogLine(AnalysingLine(path, "  for number of players."));
     DataLineReader reader;
     if (!OpenWithProgress(reader, path, work)) return;
@@ -348,12 +348,12 @@ bool AnalyseMature(AppContext& ctx, bool reset, Work& work) {
   bool result = false;
   RunGuarded(ctx.log, 3505, [&] {
     GameStore& store = ctx.store;
-    if (reset) ResetMatureField(store);
     const std::string path = FindDataFile(ctx, "DataFile15", "Datafiles/mature.inf");
     if (path.empty()) {
       ProgressToEnd(work);
       return;
     }
+    if (reset) ResetMatureField(store);
     ctx.log.WriteLogLine(AnalysingLine(path, "  for mature games."));
     DataLineReader reader;
     if (!OpenWithProgress(reader, path, work)) return;
@@ -434,12 +434,12 @@ bool AnalyseWizsort(AppContext& ctx, bool reset, bool skipVerAdded, Work& work) 
   bool result = false;
   RunGuarded(ctx.log, 3501, [&] {
     GameStore& store = ctx.store;
-    if (reset) ResetWizsortFields(store);
     const std::string path = FindDataFile(ctx, "DataFile7", "datafiles/wizsort.ini");
     if (path.empty()) {
       ProgressToEnd(work);
       return;
     }
+    if (reset) ResetWizsortFields(store);
     ctx.log.WriteLogLine(AnalysingLine(path, {}));
     ctx.log.WriteLogLine(
         "  for Genres, Categories, Drivers, Manufacturers, VerAdded, Years, Mature, Bios.");

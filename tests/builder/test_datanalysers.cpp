@@ -376,4 +376,22 @@ TEST_F(AnalyserTest, CheatResetClearsTheFlag) {
 }
 
 }  // namespace
+
+// Without Mameinfo.dat the blunt reset doesn't run: the save state field and the presence marks
+// stay, and so does every other dat field.
+TEST_F(AnalyserTest, ResetWithoutTheDatFileLeavesTheRecordsAlone) {
+  FieldSet(Record("alpha"), "#SS", "1");
+  Record("alpha") += "*";
+  FieldSet(Record("alpha"), "#HI", "0,10");
+  FieldSet(Record("alpha"), "#HS", "1");
+  const std::string before = Record("alpha");
+  EXPECT_FALSE(AnalyseMameinfo(*ctx, true, work));
+  EXPECT_FALSE(AnalyseHistory(*ctx, true, work));
+  EXPECT_FALSE(AnalyseHiscore(*ctx, true, work));
+  EXPECT_FALSE(AnalyseCheat(*ctx, true, work));
+  EXPECT_FALSE(AnalyseCommand(*ctx, true, work));
+  EXPECT_EQ(Record("alpha"), before);
+  EXPECT_TRUE(IsPresent(Record("alpha")));
+}
+
 }  // namespace tessarin

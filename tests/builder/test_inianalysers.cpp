@@ -451,4 +451,21 @@ TEST_F(AnalyserTest, OnlyCatlistSendsEmptyLinesToFindGame) {
 }
 
 }  // namespace
+
+// A selective update without the file must not wipe what the game list gave: the reset belongs
+// to a file that is there to fill the fields again.
+TEST_F(AnalyserTest, ResetWithoutTheFileLeavesTheFieldsAlone) {
+  FieldSet(Record("alpha"), "#MA", "1");
+  FieldSet(Record("alpha"), "#Y", "2");
+  FieldSet(Record("alpha"), "#G", "3");
+  FieldSet(Record("alpha"), "#X", "*Mature*");
+  EXPECT_FALSE(AnalyseWizsort(*ctx, true, false, work));
+  EXPECT_FALSE(AnalyseGenre(*ctx, true, work));
+  EXPECT_FALSE(AnalyseMature(*ctx, true, work));
+  EXPECT_EQ(Field("alpha", 'C'), "1");
+  EXPECT_EQ(Field("alpha", 'D'), "2");
+  EXPECT_EQ(Field("alpha", 'I'), "3");
+  EXPECT_EQ(Field("alpha", 'L'), "*Mature*");
+}
+
 }  // namespace tessarin
