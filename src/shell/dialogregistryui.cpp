@@ -1,5 +1,6 @@
 // Where each subsystem's dialogs join the frame: a subsystem adds one line here, registering the
 // panel entry and menu entries that open its dialog. Entries nobody registers stay disabled.
+#include "archive/ziptoolsdialog.h"
 #include "shell/mainframe.h"
 
 namespace tessarin {
@@ -7,7 +8,7 @@ namespace tessarin {
 void RegisterSubsystemDialogs(MainFrame& frame) {
   // Panel entries: 0 search, 1 database, 2 lists, 4 translation, 5 zip, 6 images.
   // Menu entries: MnuRecherche, MnuUpdateData, MnuAtomicLayouts, MnuXML2List, MnuCopyTasks.
-  (void)frame;
+  frame.RegisterPanelDialog(5, [](MainFrame& f) { return new ZipToolsDialog(&f, f.Context()); });
 }
 
 }  // namespace tessarin

@@ -268,12 +268,12 @@ TEST(DesktopStart, NormalStartShowsFramePanelAndMenuCaptions) {
   EXPECT_EQ(Child<QLabel>(panel, "Title_5")->text(), QStringLiteral("Zip & Unzip"));
   EXPECT_EQ(Child<QLabel>(panel, "Label1")->text(),
             QStringLiteral("Source database : 0.251 (mame0251)"));
-  // Entries without their dialog yet are disabled; notes, options and quit work.
-  for (int i : {0, 1, 2, 4, 5, 6}) {
+  // Entries without their dialog yet are disabled; notes, zip tools, options and quit work.
+  for (int i : {0, 1, 2, 4, 6}) {
     EXPECT_FALSE(Child<QWidget>(panel, QStringLiteral("Entry_%1").arg(i).toLatin1())->isEnabled())
         << i;
   }
-  for (int i : {3, 7, 8}) {
+  for (int i : {3, 5, 7, 8}) {
     EXPECT_TRUE(Child<QWidget>(panel, QStringLiteral("Entry_%1").arg(i).toLatin1())->isEnabled())
         << i;
   }
@@ -341,6 +341,17 @@ TEST(DesktopStart, RegisteredDialogEnablesItsEntryAndBringsThePanelBack) {
   ASSERT_TRUE(WaitFor([&] { return run.frame->findChild<QDialog*>(QStringLiteral("Form3")); }));
   EXPECT_TRUE(WaitFor([&] { return run.frame->Panel() == nullptr; }));
   run.frame->findChild<QDialog*>(QStringLiteral("Form3"))->close();
+  EXPECT_TRUE(WaitFor([&] { return run.frame->Panel() != nullptr; }));
+}
+
+TEST(DesktopStart, ZipEntryOpensTheZipToolsAndItsCloseBringsThePanelBack) {
+  DesktopRun run;
+  WriteFile(run.Path("Tessarin.inf"), "Language=1\r\nMDIState=0\r\n");
+  run.Start();
+  run.frame->RunEntry(5);
+  ASSERT_TRUE(WaitFor([&] { return run.frame->findChild<QDialog*>(QStringLiteral("Form9")); }));
+  EXPECT_TRUE(WaitFor([&] { return run.frame->Panel() == nullptr; }));
+  run.frame->findChild<QDialog*>(QStringLiteral("Form9"))->close();
   EXPECT_TRUE(WaitFor([&] { return run.frame->Panel() != nullptr; }));
 }
 
