@@ -37,19 +37,6 @@ std::string_view WithoutLast(std::string_view text) {
   return text.substr(0, text.size() - 1);
 }
 
-// Splits at each blank, no copies; n blanks give n + 1 pieces.
-void SplitAtBlanks(std::string_view line, std::vector<std::string_view>& pieces) {
-  pieces.clear();
-  size_t start = 0;
-  while (true) {
-    const size_t blank = line.find(' ', start);
-    if (blank == std::string_view::npos) break;
-    pieces.push_back(line.substr(start, blank - start));
-    start = blank + 1;
-  }
-  pieces.push_back(line.substr(start));
-}
-
 // The games gathered in the import's own arrays, since a "resource (" block may rename the
 // game before it; they go to the store at the end.
 struct LegacyGames {
@@ -125,7 +112,7 @@ class LegacyImporter final {
     } else if (Contains(line, "\tmanufacturer")) {
       SetCoded(m_manufacturers, WithoutLast(From(line, 16)), "#MA");
     } else if (Contains(line, "video (")) {
-      SplitAtBlanks(line, m_pieces);
+      FastSplitViews(line, m_pieces, ' ');
       for (size_t j = 0; j + 1 < m_pieces.size(); ++j) {
         if (m_pieces[j] == "orientation") {
           SetCoded(m_orientations, m_pieces[j + 1], "#O");
@@ -133,13 +120,13 @@ class LegacyImporter final {
         }
       }
     } else if (Contains(line, "input (")) {
-      SplitAtBlanks(line, m_pieces);
+      FastSplitViews(line, m_pieces, ' ');
       for (size_t j = 0; j + 1 < m_pieces.size(); ++j) {
         if (m_pieces[j] == "control") SetCoded(m_controls, m_pieces[j + 1], "#CO");
         if (m_pieces[j] == "buttons") SetCoded(m_buttons, m_pieces[j + 1], "#BU");
       }
     } else if (Contains(line, "driver (")) {
-      SplitAtBlanks(line, m_pieces);
+      FastSplitViews(line, m_pieces, ' ');
       for (size_t j = 0; j + 1 < m_pieces.size(); ++j) {
         if (m_pieces[j] == "status") {
           // The status index goes into the driver field: legacy databases have it there.

@@ -219,7 +219,7 @@ class XmlImporter final {
         return;
       }
       m_inDevice = false;
-      SplitAtQuotes(line, m_pieces);
+      FastSplitViews(line, m_pieces, '"');
       for (size_t i = 0; i < m_pieces.size(); ++i) {
         const std::string_view piece = m_pieces[i];
         if (Contains(piece, "<game name") || Contains(piece, "<machine name")) {
@@ -244,13 +244,13 @@ class XmlImporter final {
       value = Between(line);
       if (!value.empty()) SetCoded(m_manufacturers, value, "#MA");
     } else if (Contains(line, "<display")) {
-      SplitAtQuotes(line, m_pieces);
+      FastSplitViews(line, m_pieces, '"');
       if (FirstValue("rotate", value)) SetCoded(m_orientations, value, "#O");
     } else if (Contains(line, "<input")) {
-      SplitAtQuotes(line, m_pieces);
+      FastSplitViews(line, m_pieces, '"');
       if (FirstValue("buttons", value)) SetCoded(m_buttons, value, "#BU");
     } else if (Contains(line, "<control")) {
-      SplitAtQuotes(line, m_pieces);
+      FastSplitViews(line, m_pieces, '"');
       if (FirstValue("type", value)) SetCoded(m_controls, value, "#CO");
       // Today's lists give the buttons per control, no longer on <input>: the first control
       // that has them counts when no <input line gave a value.
@@ -258,7 +258,7 @@ class XmlImporter final {
         SetCoded(m_buttons, value, "#BU");
       }
     } else if (Contains(line, "<driver")) {
-      SplitAtQuotes(line, m_pieces);
+      FastSplitViews(line, m_pieces, '"');
       for (size_t j = 0; j + 1 < m_pieces.size(); ++j) {
         if (Contains(m_pieces[j], "status")) {
           SetCoded(m_statuses, m_pieces[j + 1], "#ST");
@@ -282,18 +282,6 @@ class XmlImporter final {
 };
 
 }  // namespace
-
-void SplitAtQuotes(std::string_view line, std::vector<std::string_view>& pieces) {
-  pieces.clear();
-  size_t start = 0;
-  while (true) {
-    const size_t quote = line.find('"', start);
-    if (quote == std::string_view::npos) break;
-    pieces.push_back(line.substr(start, quote - start));
-    start = quote + 1;
-  }
-  pieces.push_back(line.substr(start));
-}
 
 void ImportListXml(GameStore& store, Log& log, Work& work, const std::string& path,
                    size_t blockSize) {

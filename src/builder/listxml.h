@@ -30,8 +30,4 @@ void ImportListXml(AppContext& ctx, Work& work, std::string& path);
 void ImportListXml(GameStore& store, Log& log, Work& work, const std::string& path,
                    size_t blockSize = 0);
 
-// Splits a line at each double quote without copying: attribute names stand in the even
-// pieces, values in the odd ones. n quotes give n + 1 pieces.
-void SplitAtQuotes(std::string_view line, std::vector<std::string_view>& pieces);
-
 }  // namespace tessarin

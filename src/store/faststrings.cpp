@@ -266,4 +266,15 @@ int VersionIndex(std::string_view text, CodeTable& table, bool /*exact*/) {
   return static_cast<int>(table.size()) - 1;
 }
 
+void FastSplitViews(std::string_view source, std::vector<std::string_view>& parts, char delimiter) {
+  parts.clear();
+  size_t start = 0;
+  for (size_t found = source.find(delimiter); found != std::string_view::npos;
+       found = source.find(delimiter, start)) {
+    parts.push_back(source.substr(start, found - start));
+    start = found + 1;
+  }
+  parts.push_back(source.substr(start));
+}
+
 }  // namespace tessarin

@@ -28,6 +28,10 @@ size_t FastReplaceBufferLength();
 void FastSplit(std::string_view source, std::vector<std::string>& parts,
                std::string_view delimiter);
 
+// FastSplit without copies: the pieces are views into `source`, which must outlive them. n
+// delimiters give n + 1 pieces, empty ones kept. For the hot loops of the list imports.
+void FastSplitViews(std::string_view source, std::vector<std::string_view>& parts, char delimiter);
+
 // The text between the first `openMark` and the last `closeMark`. When `openMark` is missing or
 // `closeMark` doesn't stand behind it the result is empty and `text` is emptied too.
 std::string ExtractBetween(std::string& text, std::string_view openMark,

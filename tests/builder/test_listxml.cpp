@@ -376,13 +376,5 @@ TEST(ListXml, EmptyPathMeansTheDefaultDump) {
   EXPECT_EQ(home.ctx.store.GameCount(), 5);
 }
 
-TEST(ListXml, SplitAtQuotesKeepsEmptyPieces) {
-  std::vector<std::string_view> pieces;
-  SplitAtQuotes("a=\"\"b\"", pieces);
-  EXPECT_EQ(pieces, (std::vector<std::string_view>{"a=", "", "b", ""}));
-  SplitAtQuotes("none", pieces);
-  EXPECT_EQ(pieces, (std::vector<std::string_view>{"none"}));
-}
-
 }  // namespace
 }  // namespace tessarin

@@ -520,4 +520,16 @@ TEST(FindVersion, ExactFirstMatch) {
 }
 
 }  // namespace
+TEST(FastSplitViews, KeepsEmptyPiecesAndCopiesNothing) {
+  std::vector<std::string_view> pieces;
+  const std::string_view line = "a=\"\"b\"";
+  FastSplitViews(line, pieces, '"');
+  EXPECT_EQ(pieces, (std::vector<std::string_view>{"a=", "", "b", ""}));
+  EXPECT_EQ(pieces[2].data(), line.data() + 4);  // a view into the line, not a copy
+  FastSplitViews("none", pieces, '"');
+  EXPECT_EQ(pieces, (std::vector<std::string_view>{"none"}));
+  FastSplitViews("", pieces, ' ');
+  EXPECT_EQ(pieces, (std::vector<std::string_view>{""}));
+}
+
 }  // namespace tessarin
