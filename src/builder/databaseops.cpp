@@ -304,6 +304,8 @@ bool CreateDatabase(AppContext& ctx, Work& work, const std::string& dumpFile, bo
     return false;
   }
 
+  // From here the store changes: an open search dialog's lists are stale.
+  ctx.SearchMayClose = true;
   const bool built = BuildDatabase(ctx, work);
   if (work.CancelRequested) return false;
   if (!built) {
@@ -335,6 +337,7 @@ bool UpdateFromFiles(AppContext& ctx, Work& work) {
       return false;
     }
   }
+  ctx.SearchMayClose = true;
   work.CancelRequested = false;
   work.SetStatus(msg.Lng(50));
   auto cancelled = [&] { return work.CancelRequested.load(); };
@@ -396,6 +399,7 @@ UpdateReport UpdateSelected(AppContext& ctx, Work& work,
     return report;
   }
   report.loaded = true;
+  ctx.SearchMayClose = true;
   work.CancelRequested = false;
   work.SetStatus(msg.Lng(42));
   work.ProgressValue = 0;
@@ -478,6 +482,7 @@ bool ScanRoms(AppContext& ctx, Work& work, bool silent, int* matches) {
     return false;
   }
   romPath = AddSlash(romPath);
+  ctx.SearchMayClose = true;
   RunGuarded(ctx.log, 3604, [&] {
     work.SetStatus(msg.Lng(47));
     work.SetStatus(msg.Lng(64));

@@ -153,7 +153,10 @@ TEST(DatabaseOps, CreateDatabaseRunsTheEmulatorBuildsScansAndSaves) {
   WriteBytes(home.Folder() + "roms/pacman.zip", "zip");
   home.ctx.settings.InfWrite("RomPath", home.Folder() + "roms/");
   Work work;
+  EXPECT_FALSE(home.ctx.SearchMayClose);
   ASSERT_TRUE(CreateDatabase(home.ctx, work));
+  // A search dialog kept open must build its lists again.
+  EXPECT_TRUE(home.ctx.SearchMayClose);
   EXPECT_TRUE(home.ui.questions.empty());  // nothing to replace yet
   ASSERT_FALSE(home.ui.messages.empty());
   EXPECT_EQ(home.ui.messages.back().text, "Done.");
