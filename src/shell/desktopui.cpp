@@ -21,8 +21,33 @@ void QtUserInterface::OnUiThread(const std::function<void()>& call) {
       this, [&call] { call(); }, Qt::BlockingQueuedConnection);
 }
 
+void QtUserInterface::HoldJobMessages() {
+  std::lock_guard lock(m_heldMutex);
+  ++m_holding;
+}
+
+void QtUserInterface::ReleaseJobMessages() {
+  std::vector<HeldMessage> held;
+  {
+    std::lock_guard lock(m_heldMutex);
+    if (m_holding > 0) --m_holding;
+    if (m_holding > 0) return;
+    held.swap(m_held);
+  }
+  for (const HeldMessage& message : held) {
+    ShowMessage(message.modeless, message.text, message.title, message.icon);
+  }
+}
+
 void QtUserInterface::ShowMessage(bool modeless, const std::string& text, const std::string& title,
                                   Icon icon) {
+  if (QThread::currentThread() != thread()) {
+    std::lock_guard lock(m_heldMutex);
+    if (m_holding > 0) {
+      m_held.push_back({modeless, text, title, icon});
+      return;
+    }
+  }
   OnUiThread([&] {
     tessarin::ShowMessage(m_owner, m_ctx, modeless, text, title, static_cast<int>(icon));
   });

@@ -4,6 +4,8 @@
 #include <QPointer>
 #include <QWidget>
 #include <functional>
+#include <mutex>
+#include <vector>
 
 #include "core/userinterface.h"
 
@@ -31,12 +33,28 @@ class QtUserInterface final : public QObject, public UserInterface {
   // Tests set this to see the documents the program opens instead of starting a viewer.
   std::function<void(const std::string&)> OpenHook;
 
+  // While a job runs under the working dialog, the messages it shows from its thread wait, and
+  // come after the working dialog has gone: an end-of-operation message must not sit under or
+  // beside a progress bar that is still turning. Questions are asked at once.
+  void HoldJobMessages();
+  void ReleaseJobMessages();
+
  private:
   // Runs `call` on the interface thread and waits for it.
   void OnUiThread(const std::function<void()>& call);
 
+  struct HeldMessage {
+    bool modeless;
+    std::string text;
+    std::string title;
+    Icon icon;
+  };
+
   AppContext& m_ctx;
   QPointer<QWidget> m_owner;
+  std::mutex m_heldMutex;
+  int m_holding = 0;
+  std::vector<HeldMessage> m_held;
 };
 
 }  // namespace tessarin

@@ -12,6 +12,7 @@
 
 #include "core/context.h"
 #include "core/work.h"
+#include "shell/desktopui.h"
 #include "shell/picturesui.h"
 #include "shell/windowhelpersui.h"
 #include "shell/windowrules.h"
@@ -172,6 +173,8 @@ bool RunWithWorkingDialog(QWidget* parent, AppContext& ctx, const std::string& l
                           std::function<void(Work&)> job, bool showCancel) {
   Work work;
   work.Reset();
+  auto* desktopUi = dynamic_cast<QtUserInterface*>(&ctx.Ui());
+  if (desktopUi) desktopUi->HoldJobMessages();
   WorkingDialog dialog(parent, ctx, work, ToQt(label), showCancel);
   QThread* thread = QThread::create([&] {
     try {
@@ -186,6 +189,7 @@ bool RunWithWorkingDialog(QWidget* parent, AppContext& ctx, const std::string& l
   dialog.exec();
   thread->wait();
   delete thread;
+  if (desktopUi) desktopUi->ReleaseJobMessages();
   return !work.CancelRequested.load();
 }
 

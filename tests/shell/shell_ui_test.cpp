@@ -610,6 +610,34 @@ TEST(WorkingDialog, JobAsksTheUserOnTheInterfaceThread) {
   ctx.SetUi(nullptr);
 }
 
+TEST(WorkingDialog, JobMessageComesAfterTheWorkingDialogHasGone) {
+  TempFolder folder;
+  AppContext ctx(folder.Path());
+  ctx.messages.LoadMessages();
+  QtUserInterface ui(ctx);
+  ctx.SetUi(&ui);
+  bool workingDialogVisible = true;
+  QString shown;
+  ModalDriver driver([&](QWidget* modal) {
+    if (modal->objectName() != QStringLiteral("Form11")) return;
+    workingDialogVisible = false;
+    for (QWidget* top : QApplication::topLevelWidgets()) {
+      if (qobject_cast<WorkingDialog*>(top) && top->isVisible()) workingDialogVisible = true;
+    }
+    shown = Child<QLabel>(modal, "Label1")->text();
+    Click(modal, "Command1");
+  });
+  bool jobWentOn = false;
+  EXPECT_TRUE(RunWithWorkingDialog(nullptr, ctx, "zipping", [&](Work&) {
+    ctx.Ui().ShowMessage(false, "All zipped.|3 folders", {}, Icon::Information);
+    jobWentOn = true;  // the message doesn't wait for the user while the job runs
+  }));
+  EXPECT_TRUE(jobWentOn);
+  EXPECT_EQ(shown, QStringLiteral("All zipped.\n3 folders"));
+  EXPECT_FALSE(workingDialogVisible);
+  ctx.SetUi(nullptr);
+}
+
 TEST(WorkingDialog, StoredPositionIsUsed) {
   WorkingFixture f;
   f.ctx.settings.InfWrite("FrmWorkTop", 40);
