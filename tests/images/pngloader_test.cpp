@@ -110,30 +110,30 @@ TEST_F(PngLoaderTest, EveryFormatEqualsLibpngAfterMixing) {
       for (bool trns : {false, true}) {
         if (trns && (format.colorType == 4 || format.colorType == 6)) continue;
         for (auto [width, height] : sizes) {
-          pngtest::PngSpec spec;
-          spec.width = width;
-          spec.height = height;
-          spec.colorType = format.colorType;
-          spec.bitDepth = format.depth;
-          spec.interlaced = interlaced;
-          spec.withTrns = trns;
-          spec.withBkgd = (seed % 2) == 0;
-          spec.withTime = (seed % 3) == 0;
+          pngtest::PngRecipe recipe;
+          recipe.width = width;
+          recipe.height = height;
+          recipe.colorType = format.colorType;
+          recipe.bitDepth = format.depth;
+          recipe.interlaced = interlaced;
+          recipe.withTrns = trns;
+          recipe.withBkgd = (seed % 2) == 0;
+          recipe.withTime = (seed % 3) == 0;
           std::string text;
           std::string zText;
           if (seed % 4 == 1) {
-            spec.texts = {{"Title", "Picture " + std::to_string(seed), false},
-                          {"Comment", "Packed " + std::string(seed % 50, 'x'), true}};
+            recipe.texts = {{"Title", "Picture " + std::to_string(seed), false},
+                            {"Comment", "Packed " + std::string(seed % 50, 'x'), true}};
             text = "Title: Picture " + std::to_string(seed);
             zText = "Comment: Packed " + std::string(seed % 50, 'x');
           }
-          spec.seed = seed++;
+          recipe.seed = seed++;
           std::string path = PathOf("f" + std::to_string(files++) + ".png");
           SCOPED_TRACE(testing::Message()
                        << "type " << format.colorType << " depth " << format.depth << " interlaced "
                        << interlaced << " trns " << trns << " size " << width << "x" << height
-                       << " bkgd " << spec.withBkgd);
-          ASSERT_TRUE(pngtest::WritePng(path, spec));
+                       << " bkgd " << recipe.withBkgd);
+          ASSERT_TRUE(pngtest::WritePng(path, recipe));
           pngtest::LibpngImage reference;
           ASSERT_TRUE(pngtest::ReadWithLibpng(path, reference));
 
@@ -181,9 +181,9 @@ TEST_F(PngLoaderTest, EveryFormatEqualsLibpngAfterMixing) {
               EXPECT_EQ(loader.Interlacing(), interlaced ? 1u : 0u);
               EXPECT_EQ(loader.HaveAlpha(), format.colorType == 4 || format.colorType == 6);
               EXPECT_EQ(loader.HaveTransparence(), trns);
-              EXPECT_EQ(loader.HasBKGDChunk(), spec.withBkgd);
+              EXPECT_EQ(loader.HasBKGDChunk(), recipe.withBkgd);
               EXPECT_EQ(loader.BkgdColor(), bkgd);
-              EXPECT_EQ(loader.ModiTime(), spec.withTime ? "09.02.2024 07:05:03" : "");
+              EXPECT_EQ(loader.ModiTime(), recipe.withTime ? "09.02.2024 07:05:03" : "");
               EXPECT_EQ(loader.Text(), text);
               EXPECT_EQ(loader.zText(), zText);
               const PngPicture& picture = loader.Picture();
@@ -215,24 +215,24 @@ TEST_F(PngLoaderTest, EveryBlockKindEqualsLibpng) {
   for (const Variant& variant : variants) {
     for (const Format& format : {Format{2, 8}, Format{6, 16}, Format{3, 8}, Format{0, 4}}) {
       for (bool interlaced : {false, true}) {
-        pngtest::PngSpec spec;
-        spec.width = 97;
-        spec.height = 61;
-        spec.colorType = format.colorType;
-        spec.bitDepth = format.depth;
-        spec.interlaced = interlaced;
-        spec.compressionLevel = variant.level;
-        spec.strategy = variant.strategy;
-        spec.seed = 100 + n;
+        pngtest::PngRecipe recipe;
+        recipe.width = 97;
+        recipe.height = 61;
+        recipe.colorType = format.colorType;
+        recipe.bitDepth = format.depth;
+        recipe.interlaced = interlaced;
+        recipe.compressionLevel = variant.level;
+        recipe.strategy = variant.strategy;
+        recipe.seed = 100 + n;
         std::string path = PathOf("b" + std::to_string(n++) + ".png");
         SCOPED_TRACE(testing::Message() << "level " << variant.level << " strategy "
                                         << variant.strategy << " type " << format.colorType);
-        ASSERT_TRUE(pngtest::WritePng(path, spec));
+        ASSERT_TRUE(pngtest::WritePng(path, recipe));
         pngtest::LibpngImage reference;
         ASSERT_TRUE(pngtest::ReadWithLibpng(path, reference));
         loader.OpenPNG(path);
         ASSERT_EQ(loader.ErrorNumber(), 0);
-        ASSERT_EQ(loader.Picture().Height, spec.height);
+        ASSERT_EQ(loader.Picture().Height, recipe.height);
         EXPECT_EQ(loader.Picture().Pixels, Expected(reference, true, true, Flat(0)));
       }
     }
@@ -240,14 +240,14 @@ TEST_F(PngLoaderTest, EveryBlockKindEqualsLibpng) {
 }
 
 TEST_F(PngLoaderTest, TextsTimeAndGammaFromLibpngFile) {
-  pngtest::PngSpec spec;
-  spec.withTime = true;
-  spec.texts = {{"Title", "Pac-Man flyer", false},
-                {"Comment", std::string(3000, 'z') + " end", true},
-                {"Author", "Someone", false},
-                {"Description", "Second compressed text", true}};
+  pngtest::PngRecipe recipe;
+  recipe.withTime = true;
+  recipe.texts = {{"Title", "Pac-Man flyer", false},
+                  {"Comment", std::string(3000, 'z') + " end", true},
+                  {"Author", "Someone", false},
+                  {"Description", "Second compressed text", true}};
   std::string path = PathOf("texts.png");
-  ASSERT_TRUE(pngtest::WritePng(path, spec));
+  ASSERT_TRUE(pngtest::WritePng(path, recipe));
   LoadPNG loader;
   loader.OpenPNG(path);
   ASSERT_EQ(loader.ErrorNumber(), 0);
@@ -255,7 +255,7 @@ TEST_F(PngLoaderTest, TextsTimeAndGammaFromLibpngFile) {
   EXPECT_EQ(loader.zText(),
             "Comment: " + std::string(3000, 'z') + " end\r\nDescription: Second compressed text");
   EXPECT_EQ(loader.ModiTime(), "09.02.2024 07:05:03");
-  EXPECT_EQ(loader.Picture().Height, spec.height);
+  EXPECT_EQ(loader.Picture().Height, recipe.height);
 }
 
 // Hand-made files ---------------------------------------------------------------------------
@@ -543,14 +543,14 @@ TEST_F(PngLoaderTest, InvalidHeaderValuesGiveAnEmptyPicture) {
 // and nothing past them is invented.
 TEST_F(PngLoaderTest, BrokenStreamGivesTheWholeRowsBeforeTheBreak) {
   for (bool interlaced : {false, true}) {
-    pngtest::PngSpec spec;
-    spec.width = 64;
-    spec.height = 48;
-    spec.colorType = 2;
-    spec.interlaced = interlaced;
-    spec.compressionLevel = 0;  // stored blocks: the cut point maps straight to rows
+    pngtest::PngRecipe recipe;
+    recipe.width = 64;
+    recipe.height = 48;
+    recipe.colorType = 2;
+    recipe.interlaced = interlaced;
+    recipe.compressionLevel = 0;  // stored blocks: the cut point maps straight to rows
     std::string path = PathOf(interlaced ? "i.png" : "n.png");
-    ASSERT_TRUE(pngtest::WritePng(path, spec));
+    ASSERT_TRUE(pngtest::WritePng(path, recipe));
     pngtest::LibpngImage reference;
     ASSERT_TRUE(pngtest::ReadWithLibpng(path, reference));
     std::vector<std::uint8_t> full = Expected(reference, false, false, Flat(0));
@@ -577,11 +577,11 @@ TEST_F(PngLoaderTest, BrokenStreamGivesTheWholeRowsBeforeTheBreak) {
       SCOPED_TRACE(testing::Message() << "interlaced " << interlaced << " fraction " << fraction);
       EXPECT_EQ(loader.ErrorNumber(), 0);
       const PngPicture& picture = loader.Picture();
-      EXPECT_LT(picture.Height, spec.height);
+      EXPECT_LT(picture.Height, recipe.height);
       EXPECT_GE(static_cast<int>(picture.Height), lastRows);
       lastRows = static_cast<int>(picture.Height);
       if (picture.Height > 0) {
-        ASSERT_EQ(picture.Width, spec.width);
+        ASSERT_EQ(picture.Width, recipe.width);
         std::vector<std::uint8_t> top(full.begin(), full.begin() + picture.Pixels.size());
         EXPECT_EQ(picture.Pixels, top);
       }

@@ -65,7 +65,7 @@ void ReadFromMemory(png_structp png, png_bytep out, png_size_t length) {
 }
 
 struct WriteJob {
-  const PngSpec* spec = nullptr;
+  const PngRecipe* recipe = nullptr;
   png_bytep* rows = nullptr;
   png_colorp palette = nullptr;
   int paletteSize = 0;
@@ -86,13 +86,13 @@ bool RunWrite(std::FILE* file, const WriteJob& job) {
     png_destroy_write_struct(&png, &info);
     return false;
   }
-  const PngSpec& spec = *job.spec;
+  const PngRecipe& recipe = *job.recipe;
   png_init_io(png, file);
-  if (spec.compressionLevel >= 0) png_set_compression_level(png, spec.compressionLevel);
-  if (spec.strategy != 0) png_set_compression_strategy(png, spec.strategy);
+  if (recipe.compressionLevel >= 0) png_set_compression_level(png, recipe.compressionLevel);
+  if (recipe.strategy != 0) png_set_compression_strategy(png, recipe.strategy);
   png_set_filter(png, PNG_FILTER_TYPE_BASE, PNG_ALL_FILTERS);
-  png_set_IHDR(png, info, spec.width, spec.height, spec.bitDepth, spec.colorType,
-               spec.interlaced ? PNG_INTERLACE_ADAM7 : PNG_INTERLACE_NONE,
+  png_set_IHDR(png, info, recipe.width, recipe.height, recipe.bitDepth, recipe.colorType,
+               recipe.interlaced ? PNG_INTERLACE_ADAM7 : PNG_INTERLACE_NONE,
                PNG_COMPRESSION_TYPE_BASE, PNG_FILTER_TYPE_BASE);
   if (job.paletteSize > 0) png_set_PLTE(png, info, job.palette, job.paletteSize);
   if (job.trns != nullptr || job.trnsColor != nullptr)
@@ -108,18 +108,18 @@ bool RunWrite(std::FILE* file, const WriteJob& job) {
 
 }  // namespace
 
-bool WritePng(const std::string& path, const PngSpec& spec, WrittenPng* written) {
+bool WritePng(const std::string& path, const PngRecipe& recipe, WrittenPng* written) {
   WrittenPng local;
   WrittenPng& info = written != nullptr ? *written : local;
-  std::mt19937 random(spec.seed);
-  const int channels = ChannelsOf(spec.colorType);
-  const std::uint32_t maxSample = (1u << spec.bitDepth) - 1;
+  std::mt19937 random(recipe.seed);
+  const int channels = ChannelsOf(recipe.colorType);
+  const std::uint32_t maxSample = (1u << recipe.bitDepth) - 1;
 
   // The palette: as many entries as the depth allows, less one for 8 bits, so that some
   // indexes stay unused.
   int paletteSize = 0;
-  if (spec.colorType == 3) {
-    paletteSize = spec.bitDepth == 8 ? 200 : (1 << spec.bitDepth);
+  if (recipe.colorType == 3) {
+    paletteSize = recipe.bitDepth == 8 ? 200 : (1 << recipe.bitDepth);
     for (int i = 0; i < paletteSize; ++i) {
       info.palette.push_back(static_cast<std::uint8_t>(random()));
       info.palette.push_back(static_cast<std::uint8_t>(i * 255 / paletteSize));
@@ -127,8 +127,8 @@ bool WritePng(const std::string& path, const PngSpec& spec, WrittenPng* written)
     }
   }
   std::uint32_t key[3] = {0, 0, 0};
-  if (spec.withTrns) {
-    if (spec.colorType == 3) {
+  if (recipe.withTrns) {
+    if (recipe.colorType == 3) {
       // Clear, half-clear and opaque entries; the last entry is left out of tRNS (opaque).
       for (int i = 0; i + 1 < paletteSize; ++i) {
         std::uint8_t a = i % 4 == 0 ? 0 : (i % 4 == 1 ? static_cast<std::uint8_t>(60 + i) : 255);
@@ -136,7 +136,7 @@ bool WritePng(const std::string& path, const PngSpec& spec, WrittenPng* written)
         info.trns.push_back(a);
       }
     } else {
-      for (int c = 0; c < (spec.colorType == 2 ? 3 : 1); ++c) {
+      for (int c = 0; c < (recipe.colorType == 2 ? 3 : 1); ++c) {
         key[c] = static_cast<std::uint32_t>(random()) & maxSample;
         info.trns.push_back(static_cast<std::uint8_t>(key[c] >> 8));
         info.trns.push_back(static_cast<std::uint8_t>(key[c]));
@@ -145,23 +145,23 @@ bool WritePng(const std::string& path, const PngSpec& spec, WrittenPng* written)
   }
 
   const std::size_t lineBytes =
-      (static_cast<std::size_t>(spec.width) * channels * spec.bitDepth + 7) / 8;
-  std::vector<std::vector<std::uint8_t>> lines(spec.height,
+      (static_cast<std::size_t>(recipe.width) * channels * recipe.bitDepth + 7) / 8;
+  std::vector<std::vector<std::uint8_t>> lines(recipe.height,
                                                std::vector<std::uint8_t>(lineBytes, 0));
-  for (std::uint32_t y = 0; y < spec.height; ++y) {
-    for (std::uint32_t x = 0; x < spec.width; ++x) {
+  for (std::uint32_t y = 0; y < recipe.height; ++y) {
+    for (std::uint32_t x = 0; x < recipe.width; ++x) {
       std::size_t base = static_cast<std::size_t>(x) * channels;
-      if (spec.colorType == 3) {
+      if (recipe.colorType == 3) {
         std::uint32_t index = (x + 3 * y + random() % 3) % paletteSize;
-        PutSample(lines[y], base, spec.bitDepth, index);
+        PutSample(lines[y], base, recipe.bitDepth, index);
         continue;
       }
       // Gradients plus noise, over the whole range of the depth.
-      bool keyed = spec.withTrns && (x + y) % 5 == 0;
+      bool keyed = recipe.withTrns && (x + y) % 5 == 0;
       for (int c = 0; c < channels; ++c) {
-        bool isAlpha = (spec.colorType == 4 && c == 1) || (spec.colorType == 6 && c == 3);
-        double ramp = (c % 2 == 0 ? double(x) / std::max(1u, spec.width)
-                                  : double(y) / std::max(1u, spec.height));
+        bool isAlpha = (recipe.colorType == 4 && c == 1) || (recipe.colorType == 6 && c == 3);
+        double ramp = (c % 2 == 0 ? double(x) / std::max(1u, recipe.width)
+                                  : double(y) / std::max(1u, recipe.height));
         std::uint32_t v = static_cast<std::uint32_t>(ramp * maxSample * 0.8) +
                           static_cast<std::uint32_t>(random() % (maxSample / 5 + 1));
         if (isAlpha) {
@@ -173,7 +173,7 @@ bool WritePng(const std::string& path, const PngSpec& spec, WrittenPng* written)
         }
         v = std::min(v, maxSample) & maxSample;
         if (keyed && c < 3) v = key[c];
-        PutSample(lines[y], base + c, spec.bitDepth, v);
+        PutSample(lines[y], base + c, recipe.bitDepth, v);
       }
     }
   }
@@ -181,9 +181,9 @@ bool WritePng(const std::string& path, const PngSpec& spec, WrittenPng* written)
   // Everything libpng needs is made here, so that the function that may jump back holds
   // nothing but plain values.
   WriteJob job;
-  job.spec = &spec;
-  std::vector<png_bytep> rows(spec.height);
-  for (std::uint32_t y = 0; y < spec.height; ++y) rows[y] = lines[y].data();
+  job.recipe = &recipe;
+  std::vector<png_bytep> rows(recipe.height);
+  for (std::uint32_t y = 0; y < recipe.height; ++y) rows[y] = lines[y].data();
   job.rows = rows.data();
   std::vector<png_color> palette(paletteSize);
   for (int i = 0; i < paletteSize; ++i) {
@@ -194,8 +194,8 @@ bool WritePng(const std::string& path, const PngSpec& spec, WrittenPng* written)
   job.palette = palette.data();
   job.paletteSize = paletteSize;
   png_color_16 trnsColor{};
-  if (spec.withTrns) {
-    if (spec.colorType == 3) {
+  if (recipe.withTrns) {
+    if (recipe.colorType == 3) {
       job.trns = info.trns.data();
       job.trnsCount = static_cast<int>(info.trns.size());
     } else {
@@ -207,8 +207,8 @@ bool WritePng(const std::string& path, const PngSpec& spec, WrittenPng* written)
     }
   }
   png_color_16 bkgd{};
-  if (spec.withBkgd) {
-    if (spec.colorType == 3) {
+  if (recipe.withBkgd) {
+    if (recipe.colorType == 3) {
       bkgd.index = 1;
       info.bkgd[0] = 1;
     } else {
@@ -222,7 +222,7 @@ bool WritePng(const std::string& path, const PngSpec& spec, WrittenPng* written)
     job.bkgd = &bkgd;
   }
   png_time time{};
-  if (spec.withTime) {
+  if (recipe.withTime) {
     time.year = 2024;
     time.month = 2;
     time.day = 9;
@@ -233,13 +233,13 @@ bool WritePng(const std::string& path, const PngSpec& spec, WrittenPng* written)
     std::uint16_t values[6] = {2024, 2, 9, 7, 5, 3};
     std::memcpy(info.time, values, sizeof values);
   }
-  std::vector<png_text> texts(spec.texts.size());
-  for (std::size_t i = 0; i < spec.texts.size(); ++i) {
+  std::vector<png_text> texts(recipe.texts.size());
+  for (std::size_t i = 0; i < recipe.texts.size(); ++i) {
     texts[i].compression =
-        spec.texts[i].compressed ? PNG_TEXT_COMPRESSION_zTXt : PNG_TEXT_COMPRESSION_NONE;
-    texts[i].key = const_cast<char*>(spec.texts[i].keyword.c_str());
-    texts[i].text = const_cast<char*>(spec.texts[i].text.c_str());
-    texts[i].text_length = spec.texts[i].text.size();
+        recipe.texts[i].compressed ? PNG_TEXT_COMPRESSION_zTXt : PNG_TEXT_COMPRESSION_NONE;
+    texts[i].key = const_cast<char*>(recipe.texts[i].keyword.c_str());
+    texts[i].text = const_cast<char*>(recipe.texts[i].text.c_str());
+    texts[i].text_length = recipe.texts[i].text.size();
   }
   job.texts = texts.data();
   job.textCount = static_cast<int>(texts.size());

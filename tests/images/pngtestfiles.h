@@ -16,7 +16,7 @@ struct TextEntry {
   bool compressed = false;
 };
 
-struct PngSpec {
+struct PngRecipe {
   std::uint32_t width = 13;
   std::uint32_t height = 11;
   int colorType = 2;  // 0, 2, 3, 4, 6
@@ -42,7 +42,7 @@ struct WrittenPng {
 };
 
 // Writes a picture of gradients and noise; gives false when libpng refused.
-bool WritePng(const std::string& path, const PngSpec& spec, WrittenPng* written = nullptr);
+bool WritePng(const std::string& path, const PngRecipe& recipe, WrittenPng* written = nullptr);
 
 // What libpng reads: 8-bit RGBA of the whole picture, with palettes, low depths and tRNS
 // expanded, and 16-bit samples cut to their high byte. Gives false on a libpng error.
