@@ -38,6 +38,8 @@ function(tessarin_add_test name)
   add_executable(${name} ${ARG_SOURCES})
   target_link_libraries(${name} PRIVATE tessarin_common ${ARG_LIBS} GTest::gtest GTest::gmock
     GTest::gtest_main)
+  # Shared test helpers live in tests/support.
+  target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
   target_compile_definitions(${name} PRIVATE
     TESSARIN_TEST_DATA="${PROJECT_SOURCE_DIR}/tests/data"
     TESSARIN_BINARY_DIR="${PROJECT_BINARY_DIR}")

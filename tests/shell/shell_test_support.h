@@ -12,30 +12,13 @@
 
 #include "core/context.h"
 #include "core/userinterface.h"
+#include "support/testfiles.h"
 
 namespace tessarin::shelltest {
 
-// A fresh folder per test, removed at the end. Path() ends with '/'.
-class TempFolder {
- public:
-  TempFolder() { EXPECT_TRUE(m_dir.isValid()); }
-  std::string Path() const { return m_dir.path().toStdString() + "/"; }
-  std::string operator/(std::string_view name) const { return Path() + std::string(name); }
-
- private:
-  QTemporaryDir m_dir;
-};
-
-inline std::string ReadFile(const std::string& path) {
-  std::ifstream in(std::filesystem::path(path), std::ios::binary);
-  return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-}
-
-inline void WriteFile(const std::string& path, std::string_view content) {
-  std::ofstream out(std::filesystem::path(path), std::ios::binary | std::ios::trunc);
-  out.write(content.data(), static_cast<std::streamsize>(content.size()));
-  ASSERT_TRUE(out.good()) << path;
-}
+using testsupport::ReadFile;
+using testsupport::TempFolder;
+using testsupport::WriteFile;
 
 inline bool Exists(const std::string& path) { return std::filesystem::exists(path); }
 
