@@ -1,5 +1,6 @@
 #include "builder/listinfo.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <vector>
@@ -88,8 +89,11 @@ class LegacyImporter final {
       ++m_games.count;
       if (m_games.count == m_games.capacity) {
         m_games.capacity += kCapacityStep;
-        m_games.names.reserve(static_cast<size_t>(m_games.capacity) + 1);
-        m_games.records.reserve(static_cast<size_t>(m_games.capacity) + 1);
+        // At least twofold, so that a long list isn't copied once every step.
+        const size_t room =
+            std::max(static_cast<size_t>(m_games.capacity) + 1, 2 * m_games.names.capacity());
+        m_games.names.reserve(room);
+        m_games.records.reserve(room);
       }
       m_games.names.emplace_back();
       m_games.records.emplace_back();

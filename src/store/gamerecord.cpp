@@ -1,5 +1,6 @@
 #include "store/gamerecord.h"
 
+#include <algorithm>
 #include <charconv>
 #include <limits>
 
@@ -127,7 +128,11 @@ void GameStore::Clear() {
 
 void GameStore::Reserve(int games) {
   if (games <= 0) return;
-  const size_t n = static_cast<size_t>(games);
+  size_t n = static_cast<size_t>(games);
+  if (n + 1 <= m_names.capacity()) return;
+  // The imports ask for room in fixed steps; growing at least twofold keeps a long list from
+  // being copied and rehashed once a step.
+  n = std::max(n, 2 * m_names.capacity());
   GameRecords.reserve(n + 2);
   m_names.reserve(n + 1);
   m_index.reserve(n);
