@@ -11,6 +11,7 @@
 #include <string>
 
 #include "core/log.h"
+#include "scratchfolder.h"
 #include "store/gamerecord.h"
 #include "store/indexfile.h"
 
@@ -18,26 +19,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// Made once per run and removed at its end.
-struct ScratchFolder {
-  std::string path;
-  ~ScratchFolder() {
-    std::error_code ec;
-    fs::remove_all(path, ec);
-  }
-};
-
-const std::string& Folder() {
-  static const ScratchFolder folder{[] {
-    std::error_code ec;
-    fs::path base = fs::temp_directory_path(ec);
-    if (ec) base = ".";
-    const fs::path path = base / ("tessarin-indexfuzz-" + std::to_string(::getpid()));
-    fs::create_directories(path, ec);
-    return path.string() + "/";
-  }()};
-  return folder.path;
-}
+const std::string& Folder() { return fuzzsupport::Folder("indexfuzz"); }
 
 }  // namespace
 

@@ -15,32 +15,14 @@
 #include "builder/listxml.h"
 #include "core/context.h"
 #include "core/work.h"
+#include "scratchfolder.h"
 #include "store/gamerecord.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 
-// Made once per run and removed at its end.
-struct ScratchFolder {
-  std::string path;
-  ~ScratchFolder() {
-    std::error_code ec;
-    fs::remove_all(path, ec);
-  }
-};
-
-const std::string& Folder() {
-  static const ScratchFolder folder{[] {
-    std::error_code ec;
-    fs::path base = fs::temp_directory_path(ec);
-    if (ec) base = ".";
-    const fs::path path = base / ("tessarin-listfuzz-" + std::to_string(::getpid()));
-    fs::create_directories(path, ec);
-    return path.string() + "/";
-  }()};
-  return folder.path;
-}
+const std::string& Folder() { return fuzzsupport::Folder("listfuzz"); }
 
 void Check(const tessarin::GameStore& store, size_t length, char offsetTag) {
   const int count = store.GameCount();

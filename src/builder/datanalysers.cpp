@@ -23,15 +23,6 @@ namespace {
 
 constexpr size_t kInitialBuffer = 1 << 20;
 
-fs::path ToPath(const std::string& path) {
-  return fs::path(std::u8string(path.begin(), path.end()));
-}
-
-std::string FromPath(const fs::path& path) {
-  const std::u8string text = path.u8string();
-  return std::string(text.begin(), text.end());
-}
-
 bool EqualNoCase(std::string_view a, std::string_view b) {
   if (a.size() != b.size()) return false;
   for (size_t i = 0; i < a.size(); ++i) {
@@ -49,12 +40,31 @@ void MakeRange(std::string& out, std::int64_t start, std::int64_t second) {
   out.assign(digits, r.ptr);
 }
 
+}  // namespace
+
 void SetField(GameStore& store, int index, std::string_view placeholder, std::string_view value) {
   if (index <= 0) return;
   FieldSet(store.GameRecords[static_cast<size_t>(index)], placeholder, value);
 }
 
-}  // namespace
+bool NextLine(DataLineReader& reader, Work& work, std::string_view& line, bool& cancelled) {
+  if (!reader.ReadLine(line)) return false;
+  if (work.CancelRequested) {
+    cancelled = true;
+    return false;
+  }
+  work.ProgressValue += static_cast<long long>(line.size());
+  return true;
+}
+
+bool OpenWithProgress(DataLineReader& reader, const std::string& path, Work& work) {
+  if (!reader.Open(path)) return false;
+  work.ProgressMax = reader.FileLength();
+  work.ProgressValue = 0;
+  return true;
+}
+
+void ProgressToEnd(Work& work) { work.ProgressValue = work.ProgressMax.load(); }
 
 // ---- helpers shared with the ini analysers ----
 
@@ -81,7 +91,7 @@ bool StartsWith(std::string_view text, std::string_view prefix) {
 // ---- file look-up and log ----
 
 std::string ResolveNoCase(const std::string& folder, std::string_view relativePath) {
-  fs::path current = ToPath(folder);
+  fs::path current = FsPath(folder);
   size_t pos = 0;
   while (pos <= relativePath.size()) {
     size_t next = relativePath.find_first_of("\\/", pos);
@@ -90,10 +100,10 @@ std::string ResolveNoCase(const std::string& folder, std::string_view relativePa
     pos = next + 1;
     if (part.empty()) continue;
     std::error_code ec;
-    fs::path candidate = current / ToPath(part);
+    fs::path candidate = current / FsPath(part);
     if (!fs::exists(candidate, ec)) {
       for (fs::directory_iterator it(current, ec), end; !ec && it != end; it.increment(ec)) {
-        if (EqualNoCase(FromPath(it->path().filename()), part)) {
+        if (EqualNoCase(PathText(it->path().filename()), part)) {
           candidate = it->path();
           break;
         }
@@ -101,7 +111,7 @@ std::string ResolveNoCase(const std::string& folder, std::string_view relativePa
     }
     current = candidate;
   }
-  return FromPath(current);
+  return PathText(current);
 }
 
 std::string ExistingDataFile(const std::string& path) {
@@ -139,7 +149,7 @@ std::string AnalysingLine(std::string_view path, std::string_view what) {
 
 bool DataLineReader::Open(const std::string& path) {
   Close();
-  const fs::path p = ToPath(path);
+  const fs::path p = FsPath(path);
   std::error_code ec;
   const auto size = fs::file_size(p, ec);
   if (ec) return false;
@@ -382,24 +392,17 @@ bool AnalyseHiscore(AppContext& ctx, bool reset, Work& work) {
   bool result = false;
   RunGuarded(ctx.log, 3404, [&] {
     GameStore& store = ctx.store;
-    work.ProgressValue = work.ProgressMax.load();
+    ProgressToEnd(work);
     const std::string path = FindDataFile(ctx, "DataFile6", "datafiles/hiscore.dat");
     if (path.empty()) return;
     if (reset) ResetHiscoreField(store);
     ctx.log.WriteLogLine(AnalysingLine(path, "  for Hiscore data."));
     DataLineReader reader;
-    if (!reader.Open(path)) return;
-    work.ProgressMax = reader.FileLength();
-    work.ProgressValue = 0;
+    if (!OpenWithProgress(reader, path, work)) return;
 
     bool cancelled = false;
     std::string_view line;
-    while (reader.ReadLine(line)) {
-      if (work.CancelRequested) {
-        cancelled = true;
-        break;
-      }
-      work.ProgressValue += static_cast<long long>(line.size());
+    while (NextLine(reader, work, line, cancelled)) {
       // A leading 0 marks the old format's data lines, even for a rom whose name starts so.
       if (line.empty() || line.front() == '0') continue;
       const size_t colon = line.find(':');
@@ -408,7 +411,7 @@ bool AnalyseHiscore(AppContext& ctx, bool reset, Work& work) {
     }
     reader.Close();
     result = !cancelled;
-    work.ProgressValue = work.ProgressMax.load();
+    ProgressToEnd(work);
   });
   return result;
 }
@@ -417,25 +420,18 @@ bool AnalyseCheat(AppContext& ctx, bool reset, Work& work) {
   bool result = false;
   RunGuarded(ctx.log, 3405, [&] {
     GameStore& store = ctx.store;
-    work.ProgressValue = work.ProgressMax.load();
+    ProgressToEnd(work);
     const std::string path = FindDataFile(ctx, "DataFile4", "datafiles/cheat.dat");
     if (path.empty()) return;
     if (reset) ResetCheatField(store);
     ctx.log.WriteLogLine(AnalysingLine(path, "  for Cheat data."));
     DataLineReader reader;
-    if (!reader.Open(path)) return;
-    work.ProgressMax = reader.FileLength();
-    work.ProgressValue = 0;
+    if (!OpenWithProgress(reader, path, work)) return;
 
     bool cancelled = false;
     std::string remembered;
     std::string_view line;
-    while (reader.ReadLine(line)) {
-      if (work.CancelRequested) {
-        cancelled = true;
-        break;
-      }
-      work.ProgressValue += static_cast<long long>(line.size());
+    while (NextLine(reader, work, line, cancelled)) {
       const std::string_view rest = line.empty() ? line : line.substr(1);
       const size_t colon = rest.find(':');
       if (colon == std::string_view::npos) continue;
@@ -447,7 +443,7 @@ bool AnalyseCheat(AppContext& ctx, bool reset, Work& work) {
     }
     reader.Close();
     result = !cancelled;
-    work.ProgressValue = work.ProgressMax.load();
+    ProgressToEnd(work);
   });
   return result;
 }

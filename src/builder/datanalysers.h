@@ -9,6 +9,7 @@
 namespace tessarin {
 
 class AppContext;
+class GameStore;
 class Work;
 
 // The five .dat analysers. Each finds its file (the path under its settings key, else the
@@ -102,5 +103,14 @@ class DataLineReader final {
   std::int64_t m_lineLength = 0;
   int m_lineEndLength = 0;
 };
+
+// Sets a field of game `index`; nothing for 0 (a name the database doesn't know).
+void SetField(GameStore& store, int index, std::string_view placeholder, std::string_view value);
+// Opens a data file and starts the progress over its length; false when it can't be opened.
+bool OpenWithProgress(DataLineReader& reader, const std::string& path, Work& work);
+// One line of a file being analysed: the progress moves on by the line's length, and a cancel
+// stops the reading. False at the end of the file or on cancel (then `cancelled` is set).
+bool NextLine(DataLineReader& reader, Work& work, std::string_view& line, bool& cancelled);
+void ProgressToEnd(Work& work);
 
 }  // namespace tessarin

@@ -21,35 +21,9 @@ namespace fs = std::filesystem;
 
 namespace {
 
-void SetField(GameStore& store, int index, std::string_view placeholder, std::string_view value) {
-  if (index <= 0) return;
-  FieldSet(store.GameRecords[static_cast<size_t>(index)], placeholder, value);
-}
-
 void SetCoded(GameStore& store, int index, std::string_view placeholder, int code) {
   SetField(store, index, placeholder, std::to_string(code));
 }
-
-// One line of a file being analysed: the progress moves on by the line's length, and a cancel
-// stops the reading. False at the end of the file or on cancel (then `cancelled` is set).
-bool NextLine(DataLineReader& reader, Work& work, std::string_view& line, bool& cancelled) {
-  if (!reader.ReadLine(line)) return false;
-  if (work.CancelRequested) {
-    cancelled = true;
-    return false;
-  }
-  work.ProgressValue += static_cast<long long>(line.size());
-  return true;
-}
-
-bool OpenWithProgress(DataLineReader& reader, const std::string& path, Work& work) {
-  if (!reader.Open(path)) return false;
-  work.ProgressMax = reader.FileLength();
-  work.ProgressValue = 0;
-  return true;
-}
-
-void ProgressToEnd(Work& work) { work.ProgressValue = work.ProgressMax.load(); }
 
 // A `[value]` title names the value of the rom names below it. The title loses its first and
 // last characters without a check that they are brackets, and is not trimmed inside. Lines
@@ -91,23 +65,14 @@ bool HasVersionFileName(std::string_view fileName) {
          lower.compare(lower.size() - 4, 4, ".ini") == 0;
 }
 
-fs::path ToPath(const std::string& path) {
-  return fs::path(std::u8string(path.begin(), path.end()));
-}
-
-std::string FromPath(const fs::path& path) {
-  const std::u8string text = path.u8string();
-  return std::string(text.begin(), text.end());
-}
-
 // The games still at the unknown version "?" take the version of the first version*.ini of
 // `folder` that names them. Gives false when cancelled.
 bool FillUnknownVersions(AppContext& ctx, Work& work, const std::string& folder, int unknown) {
   GameStore& store = ctx.store;
   std::vector<std::string> names;
   std::error_code ec;
-  for (fs::directory_iterator it(ToPath(folder), ec), end; !ec && it != end; it.increment(ec)) {
-    const std::string name = FromPath(it->path().filename());
+  for (fs::directory_iterator it(FsPath(folder), ec), end; !ec && it != end; it.increment(ec)) {
+    const std::string name = PathText(it->path().filename());
     if (name == "." || name == "..") continue;
     if (HasVersionFileName(name)) names.push_back(name);
   }

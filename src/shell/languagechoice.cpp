@@ -4,26 +4,17 @@
 #include <filesystem>
 
 #include "core/context.h"
+#include "core/fileservices.h"
 
 namespace tessarin {
 
 namespace fs = std::filesystem;
 
-namespace {
-fs::path PathOf(const std::string& utf8) {
-  return fs::path(std::u8string(utf8.begin(), utf8.end()));
-}
-std::string Utf8Of(const fs::path& path) {
-  const std::u8string text = path.u8string();
-  return std::string(text.begin(), text.end());
-}
-}  // namespace
-
 std::vector<std::string> LanguageItems(const std::string& appFolder) {
   std::vector<std::string> items{kEnglishItem, kFrenchItem};
   std::error_code ec;
-  for (fs::directory_iterator it(PathOf(appFolder), ec), end; !ec && it != end; it.increment(ec)) {
-    const std::string name = Utf8Of(it->path().filename());
+  for (fs::directory_iterator it(FsPath(appFolder), ec), end; !ec && it != end; it.increment(ec)) {
+    const std::string name = PathText(it->path().filename());
     if (name.size() < 4) continue;
     std::string ending = name.substr(name.size() - 4);
     for (char& c : ending) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
