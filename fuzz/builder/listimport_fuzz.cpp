@@ -13,7 +13,7 @@
 
 #include "builder/listinfo.h"
 #include "builder/listxml.h"
-#include "core/context.h"
+#include "app/context.h"
 #include "core/work.h"
 #include "scratchfolder.h"
 #include "store/gamerecord.h"

@@ -12,9 +12,9 @@
 
 #include "archive/ziptools.h"
 #include "archive/zipworkerinstall.h"
-#include "core/context.h"
-#include "shell/windowhelpersui.h"
-#include "shell/workingdialog.h"
+#include "app/context.h"
+#include "widgets/windowhelpersui.h"
+#include "widgets/workingdialog.h"
 
 namespace tessarin {
 

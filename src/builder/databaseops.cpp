@@ -10,7 +10,7 @@
 #include "builder/datanalysers.h"
 #include "builder/inianalysers.h"
 #include "builder/pipeline.h"
-#include "core/context.h"
+#include "app/context.h"
 #include "core/fileservices.h"
 #include "core/guard.h"
 #include "core/log.h"

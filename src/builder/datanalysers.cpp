@@ -7,7 +7,7 @@
 #include <filesystem>
 #include <system_error>
 
-#include "core/context.h"
+#include "app/context.h"
 #include "core/fileservices.h"
 #include "core/guard.h"
 #include "core/log.h"

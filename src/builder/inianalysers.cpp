@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "builder/datanalysers.h"
-#include "core/context.h"
+#include "app/context.h"
 #include "core/fileservices.h"
 #include "core/guard.h"
 #include "core/log.h"

@@ -8,7 +8,7 @@
 #include "builder/datanalysers.h"
 #include "builder/listxml.h"
 #include "builder/tablelookup.h"
-#include "core/context.h"
+#include "app/context.h"
 #include "core/fileservices.h"
 #include "core/guard.h"
 #include "core/log.h"

@@ -7,7 +7,7 @@
 #include <fstream>
 
 #include "builder/tablelookup.h"
-#include "core/context.h"
+#include "app/context.h"
 #include "core/fileservices.h"
 #include "core/guard.h"
 #include "core/log.h"

@@ -7,7 +7,7 @@
 #include "builder/inianalysers.h"
 #include "builder/listinfo.h"
 #include "builder/listxml.h"
-#include "core/context.h"
+#include "app/context.h"
 #include "core/fileservices.h"
 #include "core/guard.h"
 #include "core/log.h"

@@ -3,7 +3,7 @@
 #include <string>
 #include <string_view>
 
-#include "core/context.h"
+#include "core/version.h"
 #include "core/fileservices.h"
 #include "core/guard.h"
 #include "core/log.h"

@@ -1,8 +1,8 @@
-// Kept apart from context.cpp: the context holds the game store, and code that only needs the
-// version (the language template, the about box) must link without it.
+// Kept in the core, below the application context: code that only needs the version (the
+// language template, the about box) must link without the game store.
 #include <string>
 
-#include "core/context.h"
+#include "core/version.h"
 
 namespace tessarin {
 

@@ -9,9 +9,9 @@
 #include <QVBoxLayout>
 #include <QtGlobal>
 
-#include "core/context.h"
-#include "shell/picturesui.h"
-#include "shell/windowhelpersui.h"
+#include "app/context.h"
+#include "widgets/picturesui.h"
+#include "widgets/windowhelpersui.h"
 
 namespace tessarin {
 

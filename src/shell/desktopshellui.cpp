@@ -5,14 +5,14 @@
 #include <QMessageBox>
 #include <cstdlib>
 
-#include "core/context.h"
+#include "app/context.h"
 #include "core/fileservices.h"
-#include "shell/desktopui.h"
+#include "widgets/desktopui.h"
 #include "shell/languagedialog.h"
 #include "shell/mainframe.h"
 #include "shell/pathwizarddialog.h"
-#include "shell/picturesui.h"
-#include "shell/windowhelpersui.h"
+#include "widgets/picturesui.h"
+#include "widgets/windowhelpersui.h"
 #include "store/indexfile.h"
 
 namespace tessarin {

@@ -3,7 +3,7 @@
 #include <cctype>
 #include <filesystem>
 
-#include "core/context.h"
+#include "app/context.h"
 #include "core/fileservices.h"
 
 namespace tessarin {

@@ -7,10 +7,10 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
-#include "core/context.h"
+#include "app/context.h"
 #include "shell/languagechoice.h"
-#include "shell/picturesui.h"
-#include "shell/windowhelpersui.h"
+#include "widgets/picturesui.h"
+#include "widgets/windowhelpersui.h"
 
 namespace tessarin {
 

@@ -9,18 +9,18 @@
 #include <QMenuBar>
 #include <QScreen>
 
-#include "core/context.h"
+#include "app/context.h"
 #include "core/work.h"
 #include "shell/aboutdialog.h"
 #include "shell/mainpanel.h"
 #include "shell/notes.h"
 #include "shell/optionsdialog.h"
-#include "shell/picturesui.h"
+#include "widgets/picturesui.h"
 #include "shell/prioritydialog.h"
 #include "shell/startup.h"
-#include "shell/windowhelpersui.h"
-#include "shell/windowrules.h"
-#include "shell/workingdialog.h"
+#include "widgets/windowhelpersui.h"
+#include "widgets/windowrules.h"
+#include "widgets/workingdialog.h"
 
 namespace tessarin {
 

@@ -7,8 +7,8 @@
 #include <QMouseEvent>
 #include <QVBoxLayout>
 
-#include "core/context.h"
-#include "shell/windowhelpersui.h"
+#include "app/context.h"
+#include "widgets/windowhelpersui.h"
 
 namespace tessarin {
 

@@ -6,7 +6,7 @@
 #include <functional>
 
 #include "shell/panelcursor.h"
-#include "shell/picturesui.h"
+#include "widgets/picturesui.h"
 
 class QLabel;
 

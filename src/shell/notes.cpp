@@ -1,6 +1,6 @@
 #include "shell/notes.h"
 
-#include "core/context.h"
+#include "app/context.h"
 #include "core/fileservices.h"
 #include "core/guard.h"
 #include "core/work.h"

@@ -1,6 +1,6 @@
 #include "shell/options.h"
 
-#include "core/context.h"
+#include "app/context.h"
 #include "shell/languagechoice.h"
 
 namespace tessarin {

@@ -5,7 +5,7 @@
 #include <QString>
 #include <algorithm>
 
-#include "core/context.h"
+#include "app/context.h"
 #include "core/fileservices.h"
 
 namespace tessarin {

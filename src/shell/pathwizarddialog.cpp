@@ -7,10 +7,10 @@
 #include <QStyle>
 #include <QVBoxLayout>
 
-#include "core/context.h"
+#include "app/context.h"
 #include "shell/pathwizard.h"
-#include "shell/picturesui.h"
-#include "shell/windowhelpersui.h"
+#include "widgets/picturesui.h"
+#include "widgets/windowhelpersui.h"
 
 namespace tessarin {
 

@@ -7,11 +7,11 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
-#include "core/context.h"
-#include "shell/picturesui.h"
+#include "app/context.h"
+#include "widgets/picturesui.h"
 #include "shell/priority.h"
 #include "shell/startup.h"
-#include "shell/windowhelpersui.h"
+#include "widgets/windowhelpersui.h"
 
 namespace tessarin {
 

@@ -3,7 +3,7 @@
 #include <QLockFile>
 #include <QString>
 
-#include "core/context.h"
+#include "app/context.h"
 #include "core/fileservices.h"
 #include "core/guard.h"
 

@@ -13,7 +13,7 @@
 #include <memory>
 
 #include "archive/zipworkerinstall.h"
-#include "core/context.h"
+#include "app/context.h"
 #include "core/userinterface.h"
 #include "ziptestutil.h"
 

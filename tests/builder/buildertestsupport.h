@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-#include "core/context.h"
+#include "app/context.h"
 #include "core/userinterface.h"
 
 namespace tessarin::buildertest {

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "builder/datanalysers.h"
-#include "core/context.h"
+#include "app/context.h"
 #include "store/faststrings.h"
 #include "store/gamerecord.h"
 #include "test_datanalysers_fixture.h"

@@ -11,7 +11,7 @@
 #include <string_view>
 #include <vector>
 
-#include "core/context.h"
+#include "app/context.h"
 #include "core/work.h"
 #include "store/gamerecord.h"
 

@@ -4,7 +4,7 @@
 
 #include <regex>
 
-#include "core/context.h"
+#include "core/version.h"
 #include "core/log.h"
 #include "core/settings.h"
 #include "core_test_support.h"

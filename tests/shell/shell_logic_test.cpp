@@ -2,10 +2,10 @@
 // panel's keys and the priority.
 #include <gtest/gtest.h>
 
-#include "core/context.h"
+#include "app/context.h"
 #include "shell/panelcursor.h"
 #include "shell/priority.h"
-#include "shell/windowrules.h"
+#include "widgets/windowrules.h"
 #include "shell_test_support.h"
 
 namespace tessarin {

@@ -10,7 +10,7 @@
 #include <string_view>
 #include <vector>
 
-#include "core/context.h"
+#include "app/context.h"
 #include "core/userinterface.h"
 #include "support/testfiles.h"
 

@@ -1,4 +1,4 @@
-#include "shell/messagedialog.h"
+#include "widgets/messagedialog.h"
 
 #include <QDialogButtonBox>
 #include <QHBoxLayout>

@@ -1,4 +1,4 @@
-#include "shell/picturesui.h"
+#include "widgets/picturesui.h"
 
 #include <QApplication>
 #include <QLinearGradient>

@@ -1,4 +1,4 @@
-#include "shell/windowrules.h"
+#include "widgets/windowrules.h"
 
 #include <algorithm>
 

@@ -7,6 +7,7 @@
 #include "core/messages.h"
 #include "core/settings.h"
 #include "core/userinterface.h"
+#include "core/version.h"
 #include "store/gamerecord.h"
 
 namespace tessarin {
@@ -39,9 +40,6 @@ class AppContext final {
   std::string m_appFolder;
   UserInterface* m_ui;
 };
-
-// "major.minor.revision" of this build.
-std::string AppVersion();
 
 // The application folder: `homeArgument` when given, else the executable's folder when it can
 // be written to (a portable install), else the user's data folder. With a final separator.

@@ -1,4 +1,4 @@
-#include "core/context.h"
+#include "app/context.h"
 
 #include <QStandardPaths>
 #include <QString>

@@ -1,4 +1,4 @@
-#include "shell/workingdialog.h"
+#include "widgets/workingdialog.h"
 
 #include <QCloseEvent>
 #include <QGuiApplication>
@@ -10,12 +10,12 @@
 #include <QTimer>
 #include <QVBoxLayout>
 
-#include "core/context.h"
+#include "app/context.h"
 #include "core/work.h"
-#include "shell/desktopui.h"
-#include "shell/picturesui.h"
-#include "shell/windowhelpersui.h"
-#include "shell/windowrules.h"
+#include "widgets/desktopui.h"
+#include "widgets/picturesui.h"
+#include "widgets/windowhelpersui.h"
+#include "widgets/windowrules.h"
 
 namespace tessarin {
 

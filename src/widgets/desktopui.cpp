@@ -1,12 +1,12 @@
-#include "shell/desktopui.h"
+#include "widgets/desktopui.h"
 
 #include <QDesktopServices>
 #include <QMessageBox>
 #include <QThread>
 #include <QUrl>
 
-#include "core/context.h"
-#include "shell/windowhelpersui.h"
+#include "app/context.h"
+#include "widgets/windowhelpersui.h"
 
 namespace tessarin {
 

@@ -1,4 +1,4 @@
-#include "shell/windowhelpersui.h"
+#include "widgets/windowhelpersui.h"
 
 #include <QAbstractButton>
 #include <QApplication>
@@ -17,10 +17,10 @@
 #include <QWidget>
 #include <vector>
 
-#include "core/context.h"
-#include "shell/messagedialog.h"
-#include "shell/picturesui.h"
-#include "shell/windowrules.h"
+#include "app/context.h"
+#include "widgets/messagedialog.h"
+#include "widgets/picturesui.h"
+#include "widgets/windowrules.h"
 
 namespace tessarin {
 

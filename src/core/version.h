@@ -1,0 +1,10 @@
+#pragma once
+
+#include <string>
+
+namespace tessarin {
+
+// "major.minor.revision" of this build.
+std::string AppVersion();
+
+}  // namespace tessarin
