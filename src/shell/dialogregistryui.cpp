@@ -1,6 +1,8 @@
 // Where each subsystem's dialogs join the frame: a subsystem adds one line here, registering the
 // panel entry and menu entries that open its dialog. Entries nobody registers stay disabled.
 #include "archive/ziptoolsdialog.h"
+#include "builder/databasedialog.h"
+#include "builder/downloadsites.h"
 #include "shell/mainframe.h"
 
 namespace tessarin {
@@ -8,6 +10,11 @@ namespace tessarin {
 void RegisterSubsystemDialogs(MainFrame& frame) {
   // Panel entries: 0 search, 1 database, 2 lists, 4 translation, 5 zip, 6 images.
   // Menu entries: MnuRecherche, MnuUpdateData, MnuAtomicLayouts, MnuXML2List, MnuCopyTasks.
+  frame.RegisterPanelDialog(1, [](MainFrame& f) {
+    return new DatabaseDialog(
+        &f, f.Context(),
+        DownloadListFromTables(f.Sites().Tables, f.Sites().Reload, f.Sites().Write));
+  });
   frame.RegisterPanelDialog(5, [](MainFrame& f) { return new ZipToolsDialog(&f, f.Context()); });
 }
 
