@@ -63,9 +63,10 @@ class ScriptedUi final : public UserInterface {
                          bool) override {
     return {};
   }
-  void OpenDocument(const std::string&) override {}
+  void OpenDocument(const std::string& pathOrAddress) override { opened.push_back(pathOrAddress); }
 
   std::vector<Shown> messages;
+  std::vector<std::string> opened;
   std::vector<std::string> questions;
   std::deque<bool> answers;
   bool defaultAnswer = true;
