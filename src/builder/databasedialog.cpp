@@ -11,6 +11,7 @@
 #include <QMouseEvent>
 #include <QPushButton>
 #include <QStackedWidget>
+#include <QToolButton>
 #include <QVBoxLayout>
 
 #include "app/context.h"
@@ -35,6 +36,15 @@ QPushButton* MakeButton(QWidget* parent, const QString& name, const QString& tex
   button->setObjectName(name);
   // Enter in a path box must not start a job that replaces the database.
   button->setAutoDefault(false);
+  return button;
+}
+
+// A small button beside a box (browse, open the site), as wide as its text.
+QToolButton* MakeToolButton(QWidget* parent, const QString& name, const QString& text) {
+  auto* button = new QToolButton(parent);
+  button->setObjectName(name);
+  button->setText(text);
+  button->setToolButtonStyle(Qt::ToolButtonTextOnly);
   return button;
 }
 
@@ -88,7 +98,7 @@ DatabaseDialog::DatabaseDialog(QWidget* parent, AppContext& ctx, DownloadListAcc
 
   auto* layout = new QVBoxLayout(this);
   layout->addWidget(m_stack);
-  setMinimumWidth(em * 84);
+  setMinimumWidth(em * 100);
 
   FillPathBoxes();
   RefreshUpdateButtons();
@@ -194,10 +204,10 @@ QWidget* DatabaseDialog::MakeDownloadPage() {
     auto* address = new QLineEdit(ToQt(line.address), page);
     address->setObjectName(Name("Text2", i));
     address->setMinimumWidth(fontMetrics().averageCharWidth() * 50);
-    auto* site = MakeButton(page, Name("Command8", i), QStringLiteral("www"));
+    auto* site = MakeToolButton(page, Name("Command8", i), QStringLiteral("www"));
     site->setToolTip(ToQt(line.site));
     site->setEnabled(!line.site.empty());
-    connect(site, &QPushButton::clicked, this, [this, i] {
+    connect(site, &QToolButton::clicked, this, [this, i] {
       const std::string& target = m_downloadLines[static_cast<size_t>(i)].site;
       if (!target.empty()) m_ctx.Ui().OpenDocument(target);
     });
@@ -225,14 +235,13 @@ QWidget* DatabaseDialog::MakePathRow(int box) {
   layout->setContentsMargins(0, 0, 0, 0);
   auto* text = new QLineEdit(row);
   text->setObjectName(Name("Text1", box));
-  auto* browse = MakeButton(row, Name("Command1", box), QStringLiteral("..."));
-  browse->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+  auto* browse = MakeToolButton(row, Name("Command1", box), QStringLiteral("..."));
   layout->addWidget(text, 1);
   layout->addWidget(browse);
   m_pathBoxes[static_cast<size_t>(box)] = text;
   connect(text, &QLineEdit::editingFinished, this,
           [this, box, text] { m_paths->LeaveBox(box, FromQt(text->text())); });
-  connect(browse, &QPushButton::clicked, this, [this, box] { BrowsePath(box); });
+  connect(browse, &QToolButton::clicked, this, [this, box] { BrowsePath(box); });
   return row;
 }
 
@@ -265,7 +274,7 @@ QWidget* DatabaseDialog::MakePathPage(int firstBox, int lastBox, bool first) {
       });
     }
     if (box == kRomPathBox) layout->addSpacing(line / 2);
-    auto* label = MakeLabel(page, Name("Label1", box), ToQt(PathBoxLabel(box, m)));
+    auto* label = MakeLabel(page, Name("Label1", box), ToQt(PathBoxLabel(box, m)), true);
     layout->addWidget(label);
     QWidget* row = MakePathRow(box);
     label->setBuddy(m_pathBoxes[static_cast<size_t>(box)]);

@@ -112,7 +112,7 @@ class DatabaseDialogTest : public ::testing::Test {
     QApplication::processEvents();
     return *dialog;
   }
-  QPushButton* Button(const char* name) { return Child<QPushButton>(dialog.get(), name); }
+  QAbstractButton* Button(const char* name) { return Child<QAbstractButton>(dialog.get(), name); }
   void UseFakeEmulator() { home.ctx.settings.InfWrite("Datafile1", kFakeEmulator); }
   std::string Index() { return ReadBytes(IndexFilePath(home.Folder())); }
   bool Shown(const std::string& text) const {
@@ -170,13 +170,13 @@ TEST_F(DatabaseDialogTest, PagesControlsAndCaptions) {
   EXPECT_EQ(Child<QLabel>(&d, "Label1_2")->text(), QStringLiteral("Path to Mameinfo.dat"));
   for (int i = 0; i < 12; ++i) {
     EXPECT_NE(d.findChild<QLineEdit*>(QStringLiteral("Text1_%1").arg(i)), nullptr) << i;
-    EXPECT_NE(d.findChild<QPushButton*>(QStringLiteral("Command1_%1").arg(i)), nullptr) << i;
+    EXPECT_NE(d.findChild<QAbstractButton*>(QStringLiteral("Command1_%1").arg(i)), nullptr) << i;
   }
   for (int i = 0; i < 11; ++i) {
     EXPECT_NE(d.findChild<QCheckBox*>(QStringLiteral("Chk1_%1").arg(i)), nullptr) << i;
     EXPECT_NE(d.findChild<QLabel*>(QStringLiteral("Chk1Txt_%1").arg(i)), nullptr) << i;
     EXPECT_NE(d.findChild<QLineEdit*>(QStringLiteral("Text2_%1").arg(i)), nullptr) << i;
-    EXPECT_NE(d.findChild<QPushButton*>(QStringLiteral("Command8_%1").arg(i)), nullptr) << i;
+    EXPECT_NE(d.findChild<QAbstractButton*>(QStringLiteral("Command8_%1").arg(i)), nullptr) << i;
   }
   // The site list fills the download page.
   EXPECT_EQ(Child<QLabel>(&d, "Chk1Txt_0")->text(), QStringLiteral("History"));
