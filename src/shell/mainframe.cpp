@@ -8,6 +8,7 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QScreen>
+#include <QTimer>
 
 #include "app/context.h"
 #include "core/work.h"
@@ -15,9 +16,9 @@
 #include "shell/mainpanel.h"
 #include "shell/notes.h"
 #include "shell/optionsdialog.h"
-#include "widgets/picturesui.h"
 #include "shell/prioritydialog.h"
 #include "shell/startup.h"
+#include "widgets/picturesui.h"
 #include "widgets/windowhelpersui.h"
 #include "widgets/windowrules.h"
 #include "widgets/workingdialog.h"
@@ -53,6 +54,7 @@ MainFrame::MainFrame(AppContext& ctx, ShellSession& session, SiteTablesAccess si
   m_area->setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
   m_area->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
   setCentralWidget(m_area);
+  m_area->viewport()->installEventFilter(this);
   const QRect screen =
       this->screen() ? this->screen()->availableGeometry() : QRect(0, 0, 1280, 800);
   resize(screen.width() * 4 / 5, screen.height() * 4 / 5);
@@ -205,12 +207,16 @@ void MainFrame::ShowPanel() {
   m_panelWindow->show();
   PlacePanel();
   m_panel->setFocus();
+  // The panel's own size settles once its window is polished and laid out.
+  QTimer::singleShot(0, this, &MainFrame::KeepPanelCentred);
 }
 
 void MainFrame::PlacePanel() {
   const int top = m_ctx.settings.InfReadNumber("Form1Top");
   const int left = m_ctx.settings.InfReadNumber("Form1Left");
   CenterForm(m_panelWindow, m_area->viewport());
+  m_panelCentred = true;
+  m_panelCentredAt = m_panelWindow->pos();
   if (m_ctx.FirstRun) return;
   QPoint place = m_panelWindow->pos();
   if (PanelPositionApplies(left)) place.setX(left);
@@ -218,6 +224,18 @@ void MainFrame::PlacePanel() {
   // A place beyond the frame's area is no place to put it.
   const QRect area = m_area->viewport()->rect();
   if (area.isEmpty() || area.contains(place + QPoint(24, 12))) m_panelWindow->move(place);
+  m_panelCentred = m_panelWindow->pos() == m_panelCentredAt;
+}
+
+void MainFrame::KeepPanelCentred() {
+  if (!m_panelWindow || !m_panelCentred || m_panelWindow->pos() != m_panelCentredAt) return;
+  CenterForm(m_panelWindow, m_area->viewport());
+  m_panelCentredAt = m_panelWindow->pos();
+}
+
+bool MainFrame::eventFilter(QObject* watched, QEvent* event) {
+  if (watched == m_area->viewport() && event->type() == QEvent::Resize) KeepPanelCentred();
+  return QMainWindow::eventFilter(watched, event);
 }
 
 void MainFrame::UnloadPanel() {

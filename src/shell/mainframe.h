@@ -75,11 +75,16 @@ class MainFrame final : public QMainWindow {
 
  protected:
   void closeEvent(QCloseEvent* event) override;
+  bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
   void BuildMenu();
   void RefreshMenuAvailability();
   void PlacePanel();
+  // Centres the panel again when the frame's area has changed size (the window system often
+  // gives the frame its final size only after the panel was placed), as long as the panel still
+  // stands where it was centred: a panel the user moved, or one at a stored place, stays.
+  void KeepPanelCentred();
   void RunNotes();
   void OpenOptions();
 
@@ -93,6 +98,8 @@ class MainFrame final : public QMainWindow {
   QMap<QString, DialogFactory> m_menuFactories;
   QMap<QString, QPointer<QWidget>> m_openDialogs;
   bool m_closed = false;
+  bool m_panelCentred = false;
+  QPoint m_panelCentredAt;
 };
 
 // Each subsystem's dialogs join the frame here.

@@ -105,6 +105,29 @@ TEST(DatabaseDialogFrame, PanelOpensCentredInTheFrameAtTheFirstStart) {
   EXPECT_LE(std::abs(left - right), 2) << left << " " << right << " " << area.width();
 }
 
+TEST(DatabaseDialogFrame, CentredPanelFollowsTheFrameUntilTheUserMovesIt) {
+  FrameRun run;
+  run.ctx.FirstRun = true;
+  run.Start();
+  QMdiSubWindow* window = run.frame->PanelWindow();
+  ASSERT_NE(window, nullptr);
+  QWidget* viewport = run.frame->Area()->viewport();
+  auto centredAcross = [&] {
+    const int left = window->pos().x();
+    const int right = viewport->width() - (left + window->width());
+    return std::abs(left - right) <= 2;
+  };
+  // The window system gives the frame another size after the panel was placed.
+  run.frame->resize(run.frame->width() + 300, run.frame->height() + 100);
+  ASSERT_TRUE(WaitFor([&] { return centredAcross(); }));
+  EXPECT_GT(window->pos().x(), 150);
+  // Once the user has put it somewhere, it stays there.
+  window->move(10, 10);
+  run.frame->resize(run.frame->width() - 200, run.frame->height());
+  QTest::qWait(50);
+  EXPECT_EQ(window->pos(), QPoint(10, 10));
+}
+
 // Saves a picture of a window when TESSARIN_SHOTS names a folder (for looking at the layout).
 void Shot(QWidget* widget, const QString& name) {
   const QString folder = qEnvironmentVariable("TESSARIN_SHOTS");
