@@ -10,9 +10,9 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include "app/context.h"
 #include "archive/ziptools.h"
 #include "archive/zipworkerinstall.h"
-#include "app/context.h"
 #include "widgets/windowhelpersui.h"
 #include "widgets/workingdialog.h"
 
@@ -67,14 +67,22 @@ ZipToolsDialog::ZipToolsDialog(QWidget* parent, AppContext& ctx) : QDialog(paren
   m_unzipAll = MakeButton(this, QStringLiteral("Command2"), ToQt(ctx.messages.Lng(280)));
   auto* close = MakeButton(this, QStringLiteral("Command3"), ToQt(ctx.messages.Lng(78)));
 
+  // Each caption stands above its box, so that the boxes take the whole width of the window
+  // and a long path stays readable; the browse buttons are only as wide as their text.
+  const int em = fontMetrics().averageCharWidth();
+  for (QPushButton* browse : {browseSource, browseDestination}) {
+    browse->setMaximumWidth(fontMetrics().horizontalAdvance(browse->text()) + em * 4);
+  }
+  m_source->setMinimumWidth(em * 50);
+  m_destination->setMinimumWidth(em * 50);
   auto* grid = new QGridLayout;
-  grid->addWidget(sourceLabel, 0, 0);
-  grid->addWidget(m_source, 0, 1);
-  grid->addWidget(browseSource, 0, 2);
-  grid->addWidget(destinationLabel, 1, 0);
-  grid->addWidget(m_destination, 1, 1);
-  grid->addWidget(browseDestination, 1, 2);
-  grid->setColumnStretch(1, 1);
+  grid->addWidget(sourceLabel, 0, 0, 1, 2);
+  grid->addWidget(m_source, 1, 0);
+  grid->addWidget(browseSource, 1, 1);
+  grid->addWidget(destinationLabel, 2, 0, 1, 2);
+  grid->addWidget(m_destination, 3, 0);
+  grid->addWidget(browseDestination, 3, 1);
+  grid->setColumnStretch(0, 1);
   auto* check = new QHBoxLayout;
   check->addWidget(m_delete);
   check->addWidget(m_deleteText);

@@ -433,7 +433,8 @@ bool DatabaseDialog::RunJob(int labelMessage, const std::string& workingLabel, H
     m_busyLabel->setText(ToQt(m_ctx.messages.Lng(labelMessage)));
     m_stack->setCurrentWidget(m_busyLabel);
   }
-  m_stack->setEnabled(false);
+  // The page is out of reach while the job runs; Label3, when shown, stays readable.
+  m_pages[static_cast<size_t>(page)]->setEnabled(false);
   bool finished = false;
   {
     ScopedUi scoped(m_ctx, held);
@@ -443,7 +444,7 @@ bool DatabaseDialog::RunJob(int labelMessage, const std::string& workingLabel, H
       job(work);
     });
   }
-  m_stack->setEnabled(true);
+  m_pages[static_cast<size_t>(page)]->setEnabled(true);
   ShowPage(page);
   held.Release();
   return finished;

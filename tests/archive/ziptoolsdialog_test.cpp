@@ -7,13 +7,15 @@
 
 #include <QApplication>
 #include <QCheckBox>
+#include <QDir>
 #include <QLabel>
+#include <QLayout>
 #include <QLineEdit>
 #include <QPushButton>
 #include <memory>
 
-#include "archive/zipworkerinstall.h"
 #include "app/context.h"
+#include "archive/zipworkerinstall.h"
 #include "core/userinterface.h"
 #include "ziptestutil.h"
 
@@ -109,6 +111,33 @@ TEST_F(ZipToolsDialogTest, ControlsCaptionsAndLoad) {
   EXPECT_EQ(ctx.settings.InfRead("Frm9Effacer"), "-1");
   EXPECT_NE(ctx.settings.InfRead("Frm9Top"), "-1");
   EXPECT_NE(ctx.settings.InfRead("Frm9Left"), "-1");
+}
+
+TEST_F(ZipToolsDialogTest, PathBoxesTakeTheWindowsWidth) {
+  ctx.settings.InfWrite("Frm9Source", "/home/someone/mame/roms/with/a/rather/long/path/");
+  ZipToolsDialog dialog(nullptr, ctx);
+  dialog.show();
+  QApplication::processEvents();
+  auto* source = Child<QLineEdit>(dialog, "Text1");
+  auto* destination = Child<QLineEdit>(dialog, "Text2");
+  auto* browse = Child<QPushButton>(dialog, "Command4");
+  // The box and its small browse button fill the width of the window's contents.
+  const int contents = dialog.contentsRect().width() - dialog.layout()->contentsMargins().left() -
+                       dialog.layout()->contentsMargins().right();
+  EXPECT_GE(source->width() + browse->width() + dialog.layout()->spacing() * 2, contents - 2);
+  EXPECT_GE(source->width(), source->fontMetrics().averageCharWidth() * 50);
+  EXPECT_EQ(destination->width(), source->width());
+  EXPECT_LT(browse->width(), source->width() / 4);
+  // And they grow with it.
+  const int before = source->width();
+  dialog.resize(dialog.width() + 200, dialog.height());
+  QApplication::processEvents();
+  EXPECT_GE(source->width(), before + 190);
+  const QString shots = qEnvironmentVariable("TESSARIN_SHOTS");
+  if (!shots.isEmpty()) {
+    QDir().mkpath(shots);
+    dialog.grab().save(shots + QStringLiteral("/ziptools.png"));
+  }
 }
 
 TEST_F(ZipToolsDialogTest, ZipAllThenUnzipAll) {
