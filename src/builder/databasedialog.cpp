@@ -92,7 +92,8 @@ DatabaseDialog::DatabaseDialog(QWidget* parent, AppContext& ctx, DownloadListAcc
     m_stack->addWidget(m_pages[static_cast<size_t>(i)]);
   }
   m_busyLabel = MakeLabel(this, QStringLiteral("Label3"), QString(), true);
-  m_busyLabel->setAlignment(Qt::AlignCenter);
+  // At the top, where the working dialog in the middle of the frame leaves it readable.
+  m_busyLabel->setAlignment(Qt::AlignHCenter | Qt::AlignTop);
   m_busyLabel->setMargin(em * 4);
   m_stack->addWidget(m_busyLabel);
 
