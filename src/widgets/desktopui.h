@@ -36,8 +36,8 @@ class QtUserInterface final : public QObject, public UserInterface {
   // While a job runs under the working dialog, the messages it shows from its thread wait, and
   // come after the working dialog has gone: an end-of-operation message must not sit under or
   // beside a progress bar that is still turning. Questions are asked at once.
-  void HoldJobMessages();
-  void ReleaseJobMessages();
+  void HoldJobMessages() override;
+  void ReleaseJobMessages() override;
 
  private:
   // Runs `call` on the interface thread and waits for it.
