@@ -58,7 +58,9 @@ DataUpdateOutcome CheckDataUpdate(AppContext& ctx, Work& work, bool silentAsk, b
   RunGuarded(ctx.log, 10201, [&] {
     const Messages& m = ctx.messages;
     UserInterface& ui = ctx.Ui();
-    if (!silentAsk && !ui.AskYesNo(m.Lng(386), {}, Icon::Question)) return;
+    if (!silentAsk && !hooks.internetAllowed && !ui.AskYesNo(m.Lng(386), {}, Icon::Question)) {
+      return;
+    }
 
     const std::string server = UpdateServerAddress(ctx.settings);
     const std::string downloads = ctx.AppFolder() + "Downloads/";

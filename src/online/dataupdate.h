@@ -41,6 +41,9 @@ struct DataUpdateHooks {
   std::function<void(const std::string& newVersion)> showNewVersion;
   // After the index was reloaded: the panel's label text (message 325 " : " version).
   std::function<void(const std::string& panelLabel)> databaseReloaded;
+  // The front end asked the first question itself (before showing its working dialog) and the
+  // user said yes.
+  bool internetAllowed = false;
 };
 
 // Asks the update server for the latest program version and data package, and on the user's
