@@ -1,8 +1,8 @@
 #include "layouts/layoutsdialog.h"
 
 #include <QCheckBox>
-#include <QCoreApplication>
 #include <QComboBox>
+#include <QCoreApplication>
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -51,9 +51,9 @@ const std::vector<std::string>& CandidateLayoutFolders() {
 }
 
 // The end of a bulk job, as both dialogs tell it.
-void TellEnd(QWidget* owner, AppContext& ctx, bool errors, bool cancelled) {
-  if (errors) ShowMessage(owner, ctx, false, ctx.messages.Lng(454), {}, 48);
-  ShowMessage(owner, ctx, false, ctx.messages.Lng(cancelled ? 377 : 41), {}, 64);
+void TellEnd(AppContext& ctx, bool errors, bool cancelled) {
+  if (errors) ctx.Ui().ShowMessage(false, ctx.messages.Lng(454), {}, Icon::Warning);
+  ctx.Ui().ShowMessage(false, ctx.messages.Lng(cancelled ? 377 : 41), {}, Icon::Information);
 }
 
 }  // namespace
@@ -169,13 +169,13 @@ void LayoutsDialog::InstallAllMissing(bool install, const std::string& folder) {
   m_running = nullptr;
   QCoreApplication::processEvents();
   if (listMissing) {
-    ShowMessage(this, m_ctx, false, m.Lng(453), {}, 16);
+    m_ctx.Ui().ShowMessage(false, m.Lng(453), {}, Icon::Stop);
     m_report->setEnabled(false);
     m_cancel->setEnabled(false);
     return;
   }
   m_cancel->setEnabled(false);
-  TellEnd(this, m_ctx, counts.downloadErrors + counts.unzipErrors > 0, counts.cancelled);
+  TellEnd(m_ctx, counts.downloadErrors + counts.unzipErrors > 0, counts.cancelled);
 }
 
 void LayoutsDialog::OpenExpert() {
@@ -359,7 +359,7 @@ void LayoutsExpertDialog::LoadList() {
   });
   m_details->setPlainText(ToQt(m.Lng(fetched ? 411 : 410)));
   if (!loaded) {
-    ShowMessage(this, m_ctx, false, m.Lng(408) + "|" + m.Lng(409), {}, 48);
+    m_ctx.Ui().ShowMessage(false, m.Lng(408) + "|" + m.Lng(409), {}, Icon::Warning);
     return;
   }
   FillList();
@@ -452,7 +452,8 @@ void LayoutsExpertDialog::DownloadChosen(bool unzip) {
                          });
   });
   QCoreApplication::processEvents();
-  ShowMessage(this, m_ctx, false, m_ctx.messages.Lng(counts.cancelled ? 377 : 41), {}, 64);
+  m_ctx.Ui().ShowMessage(false, m_ctx.messages.Lng(counts.cancelled ? 377 : 41), {},
+                         Icon::Information);
 }
 
 void LayoutsExpertDialog::SaveList(const std::string& file) {
@@ -466,7 +467,8 @@ void LayoutsExpertDialog::SaveList(const std::string& file) {
   bool saved = false;
   RunWithWorkingDialog(this, m_ctx, "Working...",
                        [&](Work&) { saved = SaveLayoutList(target, m_lines); });
-  ShowMessage(this, m_ctx, false, saved ? m.Lng(41) : "Can't write " + target, {}, saved ? 64 : 16);
+  m_ctx.Ui().ShowMessage(false, saved ? m.Lng(41) : "Can't write " + target, {},
+                         saved ? Icon::Information : Icon::Stop);
 }
 
 void LayoutsExpertDialog::Unload() {
