@@ -1,8 +1,11 @@
 // Where each subsystem's dialogs join the frame: a subsystem adds one line here, registering the
 // panel entry and menu entries that open its dialog. Entries nobody registers stay disabled.
+#include "app/context.h"
 #include "archive/ziptoolsdialog.h"
 #include "builder/databasedialog.h"
 #include "builder/downloadsites.h"
+#include "layouts/layoutsdialog.h"
+#include "online/updatedialog.h"
 #include "shell/mainframe.h"
 
 namespace tessarin {
@@ -16,6 +19,17 @@ void RegisterSubsystemDialogs(MainFrame& frame) {
         DownloadListFromTables(f.Sites().Tables, f.Sites().Reload, f.Sites().Write));
   });
   frame.RegisterPanelDialog(5, [](MainFrame& f) { return new ZipToolsDialog(&f, f.Context()); });
+  const auto refreshPanel = [&frame] {
+    if (frame.Panel()) frame.Panel()->RefreshDatabaseLabel();
+  };
+  frame.RegisterMenuDialog(QStringLiteral("MnuUpdateData"), [refreshPanel](MainFrame& f) {
+    return new UpdateDialog(&f, f.Context(), refreshPanel);
+  });
+  frame.DataUpdateCheck = [&frame, refreshPanel](bool automatic) {
+    RunDataUpdateCheck(&frame, frame.Context(), automatic, refreshPanel);
+  };
+  frame.RegisterMenuDialog(QStringLiteral("MnuAtomicLayouts"),
+                           [](MainFrame& f) { return new LayoutsDialog(&f, f.Context()); });
 }
 
 }  // namespace tessarin
