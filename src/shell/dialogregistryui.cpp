@@ -2,12 +2,14 @@
 // panel entry and menu entries that open its dialog. Entries nobody registers stay disabled.
 #include "archive/ziptoolsdialog.h"
 #include "shell/mainframe.h"
+#include "translate/translatedialog.h"
 
 namespace tessarin {
 
 void RegisterSubsystemDialogs(MainFrame& frame) {
   // Panel entries: 0 search, 1 database, 2 lists, 4 translation, 5 zip, 6 images.
   // Menu entries: MnuRecherche, MnuUpdateData, MnuAtomicLayouts, MnuXML2List, MnuCopyTasks.
+  frame.RegisterPanelDialog(4, [](MainFrame& f) { return new TranslateDialog(&f, f.Context()); });
   frame.RegisterPanelDialog(5, [](MainFrame& f) { return new ZipToolsDialog(&f, f.Context()); });
 }
 
