@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <functional>
 #include <unordered_map>
 #include <utility>
 
@@ -263,6 +264,7 @@ struct Dictionary::Matcher {
   std::vector<int32_t> wordAt;   // the word ending at the node, or -1
   std::vector<int32_t> outLink;  // the nearest node on the fail chain (itself too) ending a word
   std::vector<std::vector<int32_t>> wordRows;  // per word, its rows in ascending order
+  size_t longestWord = 0;
 
   int32_t Child(int32_t node, uint8_t byte) const {
     if (node == 0) return rootNext[byte] > 0 ? rootNext[byte] : -1;
@@ -294,6 +296,7 @@ struct Dictionary::Matcher {
       if (word.empty()) continue;
       auto [it, isNew] = wordIds.try_emplace(word, static_cast<int32_t>(wordRows.size()));
       if (isNew) {
+        longestWord = std::max(longestWord, word.size());
         wordRows.emplace_back();
         int32_t node = 0;
         for (char c : word) node = buildChild(node, static_cast<uint8_t>(c));
@@ -380,42 +383,87 @@ Dictionary& Dictionary::operator=(Dictionary&&) noexcept = default;
 
 std::string Dictionary::Translate(std::string_view text) const {
   if (!m_matcher || m_matcher->wordRows.empty()) return std::string(text);
-  // Scratch kept per thread: a stamp per word instead of clearing a set for every scan.
+  const Matcher& matcher = *m_matcher;
+  // Scratch kept per thread: a stamp per word instead of clearing a set for every line.
   thread_local std::vector<uint32_t> seen;
   thread_local uint32_t stamp = 0;
-  thread_local std::vector<int32_t> pending;
-  if (seen.size() < m_matcher->wordRows.size()) seen.resize(m_matcher->wordRows.size(), 0);
-
-  std::string current(text);
-  // The rows behind `after` whose word occurs in the current text, in row order.
-  const auto collect = [&](int32_t after) {
-    if (++stamp == 0) {
-      std::fill(seen.begin(), seen.end(), 0);
-      stamp = 1;
+  thread_local std::vector<int32_t> pending;  // a min-heap of row numbers
+  thread_local std::vector<std::pair<size_t, size_t>> inserted;
+  thread_local std::string next;
+  if (seen.size() < matcher.wordRows.size()) seen.resize(matcher.wordRows.size(), 0);
+  if (++stamp == 0) {
+    std::fill(seen.begin(), seen.end(), 0);
+    stamp = 1;
+  }
+  pending.clear();
+  const auto byRow = std::greater<int32_t>();
+  // A word met for the first time on this line puts its rows behind `after` in the heap. A
+  // word met again needs nothing: its rows behind the current one went in the first time.
+  int32_t after = -1;
+  const auto found = [&](int32_t word) {
+    for (int32_t row : matcher.wordRows[static_cast<size_t>(word)]) {
+      if (row <= after) continue;
+      pending.push_back(row);
+      std::push_heap(pending.begin(), pending.end(), byRow);
     }
-    pending.clear();
-    m_matcher->Scan(current, seen, stamp, [&](int32_t word) {
-      for (int32_t row : m_matcher->wordRows[static_cast<size_t>(word)]) {
-        if (row > after) pending.push_back(row);
-      }
-    });
-    std::sort(pending.begin(), pending.end());
   };
 
-  collect(-1);
-  // Every row in `pending` occurs in `current`: the list is made again after each change, so
-  // a row whose word a change removed is dropped and one that a change brought in is added,
-  // exactly as testing every row in turn would find.
-  size_t i = 0;
-  while (i < pending.size()) {
-    const int32_t row = pending[i++];
+  std::string current(text);
+  matcher.Scan(current, seen, stamp, found);
+  // The heap holds every row behind the last one handled whose word occurs in the current
+  // text (and maybe rows whose word a change has removed since, which find nothing). A change
+  // can only bring a word in where it overlaps a translation just put in, so only the text
+  // around those is scanned again. Thus the rows apply in order, each to the result of the
+  // ones before it, as testing every row in turn would.
+  const size_t reach = matcher.longestWord - 1;
+  while (!pending.empty()) {
+    std::pop_heap(pending.begin(), pending.end(), byRow);
+    const int32_t row = pending.back();
+    pending.pop_back();
     const DictionaryRow& entry = m_rows[static_cast<size_t>(row)];
-    // Replacing a word by itself changes nothing; any other translation changes the text at
-    // its first occurrence at least.
+    // Replacing a word by itself changes nothing.
     if (entry.translation == entry.word) continue;
-    current = FastReplace(current, entry.word, entry.translation, 1, kAllMatches, 0);
-    collect(row);
-    i = 0;
+
+    // Every occurrence, left to right, the scan going on behind each one replaced.
+    size_t hit = current.find(entry.word);
+    if (hit == std::string::npos) continue;
+    next.clear();
+    inserted.clear();
+    size_t from = 0;
+    while (hit != std::string::npos) {
+      next.append(current, from, hit - from);
+      inserted.emplace_back(next.size(), next.size() + entry.translation.size());
+      next += entry.translation;
+      from = hit + entry.word.size();
+      hit = current.find(entry.word, from);
+    }
+    next.append(current, from, std::string::npos);
+    current.swap(next);
+
+    after = row;
+    // The windows around the translations, joined where they meet.
+    size_t windowStart = 0;
+    size_t windowEnd = 0;
+    bool open = false;
+    for (const auto& [start, end] : inserted) {
+      const size_t low = start > reach ? start - reach : 0;
+      const size_t high = std::min(current.size(), end + reach);
+      if (open && low <= windowEnd) {
+        windowEnd = std::max(windowEnd, high);
+        continue;
+      }
+      if (open) {
+        matcher.Scan(std::string_view(current).substr(windowStart, windowEnd - windowStart), seen,
+                     stamp, found);
+      }
+      windowStart = low;
+      windowEnd = high;
+      open = true;
+    }
+    if (open) {
+      matcher.Scan(std::string_view(current).substr(windowStart, windowEnd - windowStart), seen,
+                   stamp, found);
+    }
   }
   return current;
 }
