@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "builder/datanalysers.h"
 #include "cli/session.h"
 #include "core/fileservices.h"
 #include "core/messages.h"
@@ -93,11 +94,16 @@ int Run(CliSession& session, const std::vector<std::string>& names) {
     if (!checks[at]) continue;
     const std::string head = std::string(TranslationFileName(i)) + ": ";
     const std::string& path = paths[at];
-    if (!report.attempted[at]) {
+    const bool missing = ExistingDataFile(path).empty();
+    if (!report.attempted[at] || report.results[at] == TranslateResult::Missing) {
       allDone = false;
-      session.Error(head + "no entry with a translation in section " +
-                    std::string(TranslationSection(i)) + " of " + dictionary +
-                    "; the file is left as it is");
+      if (missing) {
+        session.Error(head + "no file at \"" + path + "\" (setting " + PathKey(i) + ")");
+      } else {
+        session.Error(head + "no entry with a translation in section " +
+                      std::string(TranslationSection(i)) + " of " + dictionary +
+                      "; the file is left as it is");
+      }
       continue;
     }
     switch (report.results[at]) {
@@ -106,8 +112,6 @@ int Run(CliSession& session, const std::vector<std::string>& names) {
                       " entries; the file before it is " + BackupName(path));
         break;
       case TranslateResult::Missing:
-        allDone = false;
-        session.Error(head + "no file at \"" + path + "\" (setting " + PathKey(i) + ")");
         break;
       case TranslateResult::Failed:
         allDone = false;

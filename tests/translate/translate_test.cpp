@@ -263,6 +263,30 @@ TEST_F(TranslateTest, MatcherGivesWhatTestingEveryRowGivesOnRandomLinesAndDictio
   EXPECT_GT(chainedLines, 5000);
 }
 
+TEST_F(TranslateTest, MatcherOnLongLinesWithManyChanges) {
+  std::mt19937 random(7);
+  const auto randomText = [&](std::string_view alphabet, int minLength, int maxLength) {
+    std::string text;
+    const int length = std::uniform_int_distribution<int>(minLength, maxLength)(random);
+    for (int i = 0; i < length; ++i) {
+      text += alphabet[std::uniform_int_distribution<size_t>(0, alphabet.size() - 1)(random)];
+    }
+    return text;
+  };
+  for (int round = 0; round < 20; ++round) {
+    std::vector<DictionaryRow> rows;
+    // Translations no longer than their words, or the line would grow without end.
+    for (int r = 0; r < 200; ++r) {
+      std::string word = randomText("abcde ", 1, 6);
+      std::string translation = randomText("abcdef", 0, static_cast<int>(word.size()));
+      rows.push_back({std::move(word), std::move(translation)});
+    }
+    const Dictionary dictionary(rows);
+    const std::string text = randomText("abcdef ", 20000, 20000);
+    ASSERT_EQ(TranslateLine(dictionary, text), ReferenceTranslate(rows, text)) << round;
+  }
+}
+
 TEST_F(TranslateTest, MatcherOnLongWordsAndBytesAboveAscii) {
   const std::vector<DictionaryRow> rows = {
       {"Numéro Carte", "N°"}, {"\xff\xfe", "x"}, {"aaaa", "b"}, {"ab", "aaaa"}, {"é", "e"}};
