@@ -62,6 +62,7 @@ TranslateDialog::TranslateDialog(QWidget* parent, AppContext& ctx) : QDialog(par
     m_paths[at]->setMinimumWidth(fontMetrics().averageCharWidth() * 50);
     browse[at] = MakeButton(this, Indexed("Command1", i), QStringLiteral("..."));
     browse[at]->setAccessibleName(label + QStringLiteral(" ..."));
+    browse[at]->setMaximumWidth(fontMetrics().horizontalAdvance(QStringLiteral("....")) * 3);
     QCheckBox* check = m_checks[at];
     // Every check box of the program keeps its state in its Tag too.
     connect(check, &QCheckBox::toggled, this,
