@@ -165,9 +165,7 @@ bool TranslateDialog::eventFilter(QObject* watched, QEvent* event) {
 
 void TranslateDialog::Browse(int file) {
   const auto at = static_cast<size_t>(file);
-  const bool dat = file == kTranslateHistory || file == kTranslateMameinfo;
-  const std::string filter = std::string(TranslationFileLabel(file)) + "|" +
-                             (dat ? "*.dat" : "*.ini") + "|" + m_ctx.messages.Lng(33) + "|*.*";
+  const std::string filter = TranslationFileFilter(file, m_ctx.messages.Lng(33));
   const std::string chosen = FileDialog(this, FromQt(m_paths[at]->text()), false, filter,
                                         std::string(TranslationFileLabel(file)));
   if (!chosen.empty()) m_paths[at]->setText(ToQt(chosen));

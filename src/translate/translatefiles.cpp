@@ -52,6 +52,15 @@ constexpr size_t kWriteBlock = 1 << 20;
 
 std::string_view TranslationFileName(int file) { return kNames.at(static_cast<size_t>(file)); }
 std::string_view TranslationFileLabel(int file) { return kLabels.at(static_cast<size_t>(file)); }
+std::string TranslationFileFilter(int file, std::string_view allFilesText) {
+  const bool dat = file == kTranslateHistory || file == kTranslateMameinfo;
+  std::string filter(TranslationFileLabel(file));
+  filter += dat ? "|*.dat|" : "|*.ini|";
+  filter += allFilesText;
+  filter += "|*.*";
+  return filter;
+}
+
 std::string_view TranslationSection(int file) {
   for (const SectionGroup& group : kGroups) {
     if (file >= group.first && file <= group.last) return group.section;

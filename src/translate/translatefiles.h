@@ -32,6 +32,9 @@ using TranslationChecks = std::array<bool, kTranslationFileCount>;
 std::string_view TranslationFileName(int file);
 // The file kind's name as the dialog shows it ("Catlist.ini"...).
 std::string_view TranslationFileLabel(int file);
+// The file chooser's filter for a file: its kind's name with *.dat (History, Mameinfo) or *.ini,
+// then `allFilesText` with *.*; "name|pattern|name|pattern".
+std::string TranslationFileFilter(int file, std::string_view allFilesText);
 // The dictionary section that serves a file ("[WIZ]", "[PLAYERS]", "[HISTORY]", "[MAMEINFO]").
 std::string_view TranslationSection(int file);
 

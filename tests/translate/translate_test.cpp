@@ -434,6 +434,19 @@ TEST_F(TranslateTest, PathsComeFromTheSettingsAndGoBack) {
   EXPECT_EQ(LoadTranslationChecks(ctx.settings), checks);
 }
 
+TEST(TranslationFilesTest, FiltersAndSections) {
+  EXPECT_EQ(TranslationFileFilter(kTranslateHistory, "All files"),
+            "History.dat|*.dat|All files|*.*");
+  EXPECT_EQ(TranslationFileFilter(kTranslateMameinfo, "Tous les fichiers"),
+            "Mameinfo.dat|*.dat|Tous les fichiers|*.*");
+  EXPECT_EQ(TranslationFileFilter(kTranslateCatver, "All files"), "Catver.ini|*.ini|All files|*.*");
+  EXPECT_EQ(TranslationFileFilter(kTranslateMultiplayer, "All files"),
+            "Multiplayer.ini|*.ini|All files|*.*");
+  const char* sections[] = {"[WIZ]",     "[WIZ]",     "[WIZ]",     "[WIZ]",
+                            "[PLAYERS]", "[PLAYERS]", "[HISTORY]", "[MAMEINFO]"};
+  for (int i = 0; i < kTranslationFileCount; ++i) EXPECT_EQ(TranslationSection(i), sections[i]);
+}
+
 TEST_F(TranslateTest, EachSectionServesItsFilesAndAFileWithoutEntriesIsNotTouched) {
   TranslationPaths paths;
   const char* names[] = {"catlist.ini", "genre.ini", "catver.ini",  "wizsort.ini",
