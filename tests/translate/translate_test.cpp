@@ -484,6 +484,23 @@ TEST_F(TranslateTest, EachSectionServesItsFilesAndAFileWithoutEntriesIsNotTouche
   EXPECT_EQ(work.ProgressValue.load(), 6 * 23);
 }
 
+TEST_F(TranslateTest, ATickedFileWithoutItsSectionIsNotTouched) {
+  const std::string catlist = Copy("catlist.ini");
+  const std::string history = Copy("history.dat");
+  WriteDictionary("[HISTORY]\r\nBoard = Carte\r\n[wiz]\r\nFighter = Combat\r\n");
+  TranslationPaths paths;
+  paths[kTranslateCatlist] = catlist;
+  paths[kTranslateHistory] = history;
+  TranslationChecks checks{};
+  checks[kTranslateCatlist] = true;
+  const TranslationReport report = TranslateDataFiles(ctx, work, paths, checks);
+  EXPECT_FALSE(report.attempted[kTranslateCatlist]);
+  EXPECT_EQ(ReadFile(catlist), ReadFile(Fixture("catlist.ini")));
+  EXPECT_FALSE(fs::exists(tmp / "catlist.ORIGINAL.ini"));
+  // Not ticked: left alone although its section has an entry.
+  EXPECT_EQ(ReadFile(history), ReadFile(Fixture("history.dat")));
+}
+
 TEST_F(TranslateTest, NoDictionaryTouchesNothing) {
   const std::string path = Copy("history.dat");
   TranslationPaths paths;
