@@ -26,6 +26,8 @@ int RunCli(int argc, char** argv, const std::string& executableFolder) {
   RegisterDatabaseCommands(registry);
   RegisterSettingsCommands(registry);
   RegisterUpdateCommands(registry);
+  RegisterSheetCommands(registry);
+  RegisterTranslateCommands(registry);
 
   try {
     app.parse(argc, argv);

@@ -7,6 +7,7 @@
 #include "layouts/layoutsdialog.h"
 #include "online/updatedialog.h"
 #include "shell/mainframe.h"
+#include "translate/translatedialog.h"
 
 namespace tessarin {
 
@@ -18,6 +19,7 @@ void RegisterSubsystemDialogs(MainFrame& frame) {
         &f, f.Context(),
         DownloadListFromTables(f.Sites().Tables, f.Sites().Reload, f.Sites().Write));
   });
+  frame.RegisterPanelDialog(4, [](MainFrame& f) { return new TranslateDialog(&f, f.Context()); });
   frame.RegisterPanelDialog(5, [](MainFrame& f) { return new ZipToolsDialog(&f, f.Context()); });
   const auto refreshPanel = [&frame] {
     if (frame.Panel()) frame.Panel()->RefreshDatabaseLabel();

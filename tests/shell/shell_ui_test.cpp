@@ -283,13 +283,12 @@ TEST(DesktopStart, NormalStartShowsFramePanelAndMenuCaptions) {
   EXPECT_EQ(Child<QLabel>(panel, "Title_5")->text(), QStringLiteral("Zip & Unzip"));
   EXPECT_EQ(Child<QLabel>(panel, "Label1")->text(),
             QStringLiteral("Source database : 0.251 (mame0251)"));
-  // Entries without their dialog yet are disabled; the database, notes, zip tools, options
-  // and quit work.
-  for (int i : {0, 2, 4, 6}) {
+  // Entries without their dialog yet are disabled.
+  for (int i : {0, 2, 6}) {
     EXPECT_FALSE(Child<QWidget>(panel, QStringLiteral("Entry_%1").arg(i).toLatin1())->isEnabled())
         << i;
   }
-  for (int i : {1, 3, 5, 7, 8}) {
+  for (int i : {1, 3, 4, 5, 7, 8}) {
     EXPECT_TRUE(Child<QWidget>(panel, QStringLiteral("Entry_%1").arg(i).toLatin1())->isEnabled())
         << i;
   }
@@ -368,6 +367,17 @@ TEST(DesktopStart, ZipEntryOpensTheZipToolsAndItsCloseBringsThePanelBack) {
   ASSERT_TRUE(WaitFor([&] { return run.frame->findChild<QDialog*>(QStringLiteral("Form9")); }));
   EXPECT_TRUE(WaitFor([&] { return run.frame->Panel() == nullptr; }));
   run.frame->findChild<QDialog*>(QStringLiteral("Form9"))->close();
+  EXPECT_TRUE(WaitFor([&] { return run.frame->Panel() != nullptr; }));
+}
+
+TEST(DesktopStart, TranslationEntryOpensItsWindowAndItsCloseBringsThePanelBack) {
+  DesktopRun run;
+  WriteFile(run.Path("Tessarin.inf"), "Language=1\r\nMDIState=0\r\n");
+  run.Start();
+  run.frame->RunEntry(4);
+  ASSERT_TRUE(WaitFor([&] { return run.frame->findChild<QDialog*>(QStringLiteral("Form8")); }));
+  EXPECT_TRUE(WaitFor([&] { return run.frame->Panel() == nullptr; }));
+  run.frame->findChild<QDialog*>(QStringLiteral("Form8"))->close();
   EXPECT_TRUE(WaitFor([&] { return run.frame->Panel() != nullptr; }));
 }
 
