@@ -1,6 +1,7 @@
 #include "sheet/gamedetails.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -268,6 +269,13 @@ struct FileStamp {
   bool operator==(const FileStamp&) const = default;
 };
 
+// A time stamp that is some seconds old: a change made after it was read gets a later stamp
+// even on file systems that stamp coarsely, so a cache keyed on it can be trusted. A younger
+// stamp may be shared by a change still to come, and a cache keyed on it is used once only.
+bool Settled(fs::file_time_type time) {
+  return time < fs::file_time_type::clock::now() - std::chrono::seconds(2);
+}
+
 bool StampOf(const std::string& path, FileStamp& stamp) {
   std::error_code ec;
   const fs::path p = FsPath(path);
@@ -478,6 +486,7 @@ struct GameDetailsLoader::Caches {
   bool notesResolved = false;
   std::string notesPath;
   FileStamp notesStamp;
+  bool notesRead = false;
   std::string notesText;
 
   // Scratch room reused from game to game.
@@ -496,6 +505,8 @@ void GameDetailsLoader::InvalidateCaches() {
   m_caches->parents.clear();
   m_caches->historyScanned = false;
   m_caches->bioPositions.clear();
+  m_caches->notesResolved = false;
+  m_caches->notesRead = false;
 }
 
 std::string GameDetailsLoader::BuildClonesList(std::string_view name, bool asLinks) {
@@ -768,7 +779,7 @@ GameDetails GameDetailsLoader::LoadGameDetails(std::string& name, std::int32_t i
             if (!c.historyScanned || !(stamp == c.historyStamp)) {
               c.bioPositions = ScanBioMarks(path);
               c.historyStamp = stamp;
-              c.historyScanned = true;
+              c.historyScanned = Settled(stamp.time);
             }
             const Range range = SplitRange(field);
             details.History = ReadHistoryText(path, range.start, range.second, c.bioPositions);
@@ -835,16 +846,20 @@ std::string GameDetailsLoader::NotesOf(std::string_view name) {
     c.notesPath = DefaultNotesPath(folder);
     c.appFolderTime = appTime;
     c.dataFolderTime = dataTime;
-    c.notesResolved = true;
-    c.notesStamp = FileStamp();
+    c.notesResolved = Settled(appTime) && Settled(dataTime);
+    c.notesRead = false;
   }
   if (c.notesPath.empty()) return {};
   FileStamp stamp;
-  if (!StampOf(c.notesPath, stamp)) return {};
-  if (!(stamp == c.notesStamp)) {
+  if (!StampOf(c.notesPath, stamp)) {
+    c.notesResolved = false;  // gone since: look again next time
+    return {};
+  }
+  if (!c.notesRead || !(stamp == c.notesStamp)) {
     c.notesText.clear();
     if (!ReadWholeFile(c.notesPath, c.notesText)) return {};
     c.notesStamp = stamp;
+    c.notesRead = Settled(stamp.time);
   }
   return NotesBlock(c.notesText, name);
 }
