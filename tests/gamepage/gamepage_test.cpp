@@ -34,13 +34,15 @@ const std::vector<std::string> kTags = {
 
 std::string TagTemplate() {
   std::string text;
-  for (const std::string& tag : kTags)
-    text += "<" + tag.substr(tag[0] == ' ' ? 1 : 0) + ">[" + tag + "]\n";
+  for (const std::string& tag : kTags) {
+    // The label is the tag without its "#", so that no pass touches it.
+    text += "<" + tag.substr(tag.find('#') + 1) + ">[" + tag + "]\n";
+  }
   text += "<NAV>[#PREVIOUS - #HOME - #NEXT]\n<NAV2>[#PREVIOUS - #NEXT]\n<NAV3>[#HOME]\n";
   return text;
 }
 
-// The value of each tag in a page made from TagTemplate.
+// The value of each tag in a page made from TagTemplate, by its tag ("#TITLE", "#NAV").
 std::map<std::string, std::string> Values(const std::string& page) {
   std::map<std::string, std::string> values;
   size_t at = 0;
@@ -53,7 +55,7 @@ std::map<std::string, std::string> Values(const std::string& page) {
       ADD_FAILURE() << "unexpected line: " << line;
       continue;
     }
-    values[line.substr(1, close - 1)] = line.substr(close + 2, line.size() - close - 3);
+    values["#" + line.substr(1, close - 1)] = line.substr(close + 2, line.size() - close - 3);
   }
   return values;
 }
@@ -69,7 +71,7 @@ TEST(FillGamePage, EveryTagOfAGame) {
   EXPECT_EQ(v["#TITLE"], "My Game");
   EXPECT_EQ(v["#MANUFACTURER"], "Acme");
   EXPECT_EQ(v["#YEAR"], "1981");
-  EXPECT_EQ(v["#GENRE"], "");
+  EXPECT_EQ(v["#GENRE"], "Shooter");
   EXPECT_EQ(v["#CATEGORY"], "Shooter / Flying");
   EXPECT_EQ(v["#MATURE"], "False");
   EXPECT_EQ(v["#NPLAYERS"], "");
@@ -102,7 +104,7 @@ TEST(FillGamePage, EveryTagOfAGame) {
   EXPECT_EQ(v["#MYNOTES"], "A fine game.<br>Second line.");
   EXPECT_EQ(v["#HISTORY"],
             "<b>HISTORY.DAT</b><br><br>My Game (c) 1981 Acme.<br><br><b>- TRIVIA -</b><br><br>"
-            "A game of shots.<br><br><b>- TRIVIA -</b> again, <b>- STAFF -</b>");
+            "A game of shots.<br><br><b>- TRIVIA -</b> again, <b>- STAFF -</b><br>");
   EXPECT_EQ(v["#MAMEINFO"], "<b>MAMEINFO.DAT</b><br>MAME vFirst release.<br>Line two.<br>");
   for (const char* image : {"#FLYER", "#SCRTITLE", "#MARQUEE", "#CABINET", "#SNAP", "#CPO"}) {
     EXPECT_EQ(v[image], NoImage()) << image;
@@ -177,9 +179,9 @@ TEST(FillGamePage, EveryTagOfAGame) {
   EXPECT_EQ(v["#LISTYEAR"], "<a href=\"../years/year.htm\">list by years</a>");
   EXPECT_EQ(v["#HELP"], help);
   // Not in site mode: the navigation goes, in every form.
-  EXPECT_EQ(v["NAV"], "");
-  EXPECT_EQ(v["NAV2"], "");
-  EXPECT_EQ(v["NAV3"], "");
+  EXPECT_EQ(v["#NAV"], "");
+  EXPECT_EQ(v["#NAV2"], "");
+  EXPECT_EQ(v["#NAV3"], "");
   // The fields the record gives through its code tables, as the details give them.
   std::string name = "mygame";
   GameDetailsLoader loader(home.ctx);
@@ -250,13 +252,13 @@ TEST(FillGamePage, ByIndexAsBySite) {
             "<a href=\"../manufacturers/Acme.htm\">Acme</a>|"
             "<a href=\"../years/1981.htm\">1981</a>|"
             "<a href=\"../veradded/0.100.htm\">0.100</a>|"
-            "<a href=\"../genres/.htm\"></a>|"
+            "<a href=\"../genres/Shooter.htm\">Shooter</a>|"
             "<a href=\"../categories/Shooter ! Flying.htm\">Shooter / Flying</a>|"
             "<br>This is a clone of : <a href=\"mygame.htm\">mygame</a>|"
             "#PREVIOUS - #HOME - #NEXT");
   const std::string sep = std::string(kGroupKeySeparator);
   const std::string tail = "My Game (Japan)" + sep + std::to_string(index);
-  EXPECT_EQ(keys.Genre.substr(0, 2 + sep.size()), "0" + sep + "M");
+  EXPECT_EQ(keys.Genre.substr(0, 7 + sep.size() + tail.size()), "Shooter" + sep + tail);
   EXPECT_EQ(
       keys.Category.substr(0, std::string("Shooter / Flying").size() + sep.size() + tail.size()),
       "Shooter / Flying" + sep + tail);
@@ -340,7 +342,7 @@ TEST(ApplyPagePasses, EachPassRunsOverWhatTheFormerOnesLeft) {
 
 TEST(GamePageHelpers, MakeFileUrl) {
   EXPECT_EQ(MakeFileUrl("C:\\Tessarin\\HTML\\help.htm"), "file:///C:/Tessarin/HTML/help.htm");
-  EXPECT_EQ(MakeFileUrl("\\\\server\\share\\a.png"), "file:////server/share/a.png");
+  EXPECT_EQ(MakeFileUrl("\\\\server\\share\\a.png"), "file://///server/share/a.png");
   EXPECT_EQ(MakeFileUrl("/home/me/HTML/help.htm"), "file:///home/me/HTML/help.htm");
   EXPECT_EQ(MakeFileUrl("relative\\x.png"), "file://relative/x.png");
   EXPECT_EQ(MakeFileUrl("HTTP://host\\snap\\x.png"), "HTTP://host/snap/x.png");

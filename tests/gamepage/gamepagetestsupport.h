@@ -45,7 +45,8 @@ class RecordingUi final : public UserInterface {
 
 class FixtureHome {
  public:
-  // With `build`, the fixture's list, History, Mameinfo, CatVer and notes make the database.
+  // With `build`, the fixture's list, History, Mameinfo, Catlist, CatVer, genre list and notes
+  // make the database.
   explicit FixtureHome(bool build = true) : ctx(dir.path().toStdString()) {
     ctx.log.SetFatalHandler([](const std::string&) {});
     ctx.SetUi(&ui);
@@ -63,10 +64,14 @@ class FixtureHome {
     WriteFile(Path("history.dat"), ReadFile(Fixture("history.dat")));
     WriteFile(Path("mameinfo.dat"), ReadFile(Fixture("mameinfo.dat")));
     WriteFile(Path("catver.ini"), ReadFile(Fixture("catver.ini")));
+    WriteFile(Path("catlist.ini"), ReadFile(Fixture("catlist.ini")));
+    WriteFile(Path("genre.ini"), ReadFile(Fixture("genre.ini")));
     WriteFile(Path("notes.txt"), ReadFile(Fixture("notes.txt")));
     ctx.settings.InfWrite("DataFile2", Path("history.dat"));
     ctx.settings.InfWrite("DataFile3", Path("mameinfo.dat"));
+    ctx.settings.InfWrite("DataFile12", Path("catlist.ini"));
     ctx.settings.InfWrite("DataFile13", Path("catver.ini"));
+    ctx.settings.InfWrite("DataFile14", Path("genre.ini"));
     ctx.store.DatabaseVersion = "MAME v0.251 (fixture)";
     Work work;
     EXPECT_TRUE(BuildDatabase(ctx, work));
