@@ -1,6 +1,10 @@
 #include "sheet/gamepage.h"
 
+#include <algorithm>
 #include <array>
+#include <cstdint>
+#include <cstring>
+#include <deque>
 #include <functional>
 #include <initializer_list>
 
@@ -425,13 +429,221 @@ std::string ImageValue(AppContext& ctx, const GameDetails& d, std::string_view k
 
 }  // namespace
 
-std::string ApplyPagePasses(std::string_view pageTemplate, const std::vector<PagePass>& passes) {
+std::string ApplyPagePassesPlain(std::string_view pageTemplate,
+                                 const std::vector<PagePass>& passes) {
   std::string text(pageTemplate);
   for (const PagePass& pass : passes) {
     if (text.find(pass.find) == std::string::npos) continue;
     text = FastReplace(text, pass.find, pass.value());
   }
   return text;
+}
+
+namespace {
+
+// The page between passes: a row of pieces, each a range of the template or of a value, and for
+// each text the sorted places of its '#' marks. A tag holds a '#', so a search looks only at
+// marks; a replacement cuts pieces and inserts the value's piece instead of copying the page.
+class PieceText final {
+ public:
+  explicit PieceText(std::string_view text) {
+    const Source* source = AddSource(std::string(text));
+    if (!text.empty()) {
+      m_pieces.push_back({source, 0, Size32(text.size()), 0, Size32(source->marks.size())});
+    }
+    m_size = text.size();
+  }
+
+  // Replaces every occurrence of `find` (which holds a '#') left to right, as FastReplace does;
+  // `value` is asked for only when there is one.
+  void Replace(std::string_view find, const std::function<std::string()>& value) {
+    const size_t anchor = find.find('#');
+    const size_t length = find.size();
+    m_matches.clear();
+    size_t pieceStart = 0;  // the place of the current piece in the whole text
+    size_t nextAllowed = 0;
+    bool done = false;
+    for (size_t i = 0; i < m_pieces.size() && !done; ++i) {
+      const Piece& piece = m_pieces[i];
+      const std::vector<std::uint32_t>& marks = piece.source->marks;
+      for (std::uint32_t m = piece.markBegin; m < piece.markEnd; ++m) {
+        const size_t place = pieceStart + (marks[m] - piece.begin);
+        if (place < anchor) continue;
+        const size_t start = place - anchor;
+        if (start < nextAllowed) continue;
+        if (start + length > m_size) {
+          done = true;  // later marks lie further on still
+          break;
+        }
+        if (MatchesAt(i, marks[m], find, anchor)) {
+          m_matches.push_back(start);
+          nextAllowed = start + length;
+        }
+      }
+      pieceStart += piece.end - piece.begin;
+    }
+    if (m_matches.empty()) return;
+
+    const Source* inserted = nullptr;
+    std::string text = value();
+    const size_t valueLength = text.size();
+    if (!text.empty()) inserted = AddSource(std::move(text));
+    m_next.clear();
+    m_cursor = 0;
+    m_cursorStart = 0;
+    size_t from = 0;
+    for (const size_t start : m_matches) {
+      Emit(from, start);
+      if (inserted) {
+        m_next.push_back({inserted, 0, Size32(valueLength), 0, Size32(inserted->marks.size())});
+      }
+      from = start + length;
+    }
+    Emit(from, m_size);
+    m_pieces.swap(m_next);
+    m_size = m_size - m_matches.size() * length + m_matches.size() * valueLength;
+  }
+
+  std::string Text() const {
+    std::string text;
+    text.reserve(m_size);
+    for (const Piece& piece : m_pieces) {
+      text.append(piece.source->text, piece.begin, piece.end - piece.begin);
+    }
+    return text;
+  }
+
+ private:
+  struct Source {
+    std::string text;
+    std::vector<std::uint32_t> marks;
+  };
+  struct Piece {
+    const Source* source;
+    std::uint32_t begin, end;          // the range in source->text, never empty
+    std::uint32_t markBegin, markEnd;  // the marks of source->marks inside the range
+  };
+
+  static std::uint32_t Size32(size_t n) { return static_cast<std::uint32_t>(n); }
+
+  const Source* AddSource(std::string text) {
+    Source& source = m_sources.emplace_back();
+    source.text = std::move(text);
+    const char* data = source.text.data();
+    const size_t size = source.text.size();
+    for (const void* hit = std::memchr(data, '#', size); hit != nullptr;) {
+      const size_t at = static_cast<size_t>(static_cast<const char*>(hit) - data);
+      source.marks.push_back(Size32(at));
+      hit = at + 1 < size ? std::memchr(data + at + 1, '#', size - at - 1) : nullptr;
+    }
+    return &source;
+  }
+
+  // Whether `find`, whose '#' is at `anchor`, stands with that '#' at `place` of piece `index`.
+  // The text may run on into the following pieces, and for a blank in front of the '#' back
+  // into the one before.
+  bool MatchesAt(size_t index, std::uint32_t place, std::string_view find, size_t anchor) const {
+    const Piece& piece = m_pieces[index];
+    const std::string& text = piece.source->text;
+    if (anchor > 0) {
+      // Only one character can stand before the '#' of the tags.
+      if (anchor != 1) return SlowMatch(index, place, find, anchor);
+      const char before = place > piece.begin
+                              ? text[place - 1]
+                              : m_pieces[index - 1].source->text[m_pieces[index - 1].end - 1];
+      if (before != find[0]) return false;
+    }
+    const std::string_view rest = find.substr(anchor);
+    if (place + rest.size() <= piece.end) {
+      // Most marks are colours or other tags: the letter behind the '#' tells them apart.
+      if (rest.size() > 1 && text[place + 1] != rest[1]) return false;
+      return std::memcmp(text.data() + place, rest.data(), rest.size()) == 0;
+    }
+    // Across the end of the piece.
+    size_t i = index;
+    std::uint32_t at = place;
+    for (const char c : rest) {
+      while (at == m_pieces[i].end) {
+        ++i;
+        at = m_pieces[i].begin;
+      }
+      if (m_pieces[i].source->text[at] != c) return false;
+      ++at;
+    }
+    return true;
+  }
+
+  // For a search text with more than one character before its '#': read the text back from
+  // the mark.
+  bool SlowMatch(size_t index, std::uint32_t place, std::string_view find, size_t anchor) const {
+    size_t i = index;
+    std::uint32_t at = place;
+    for (size_t back = 0; back < anchor; ++back) {
+      while (at == m_pieces[i].begin) {
+        --i;
+        at = m_pieces[i].end;
+      }
+      --at;
+    }
+    for (const char c : find) {
+      while (at == m_pieces[i].end) {
+        ++i;
+        at = m_pieces[i].begin;
+      }
+      if (m_pieces[i].source->text[at] != c) return false;
+      ++at;
+    }
+    return true;
+  }
+
+  // Appends the pieces that cover [from, to) of the whole text to m_next. Calls come in order.
+  void Emit(size_t from, size_t to) {
+    while (from < to) {
+      while (m_cursorStart + (m_pieces[m_cursor].end - m_pieces[m_cursor].begin) <= from) {
+        m_cursorStart += m_pieces[m_cursor].end - m_pieces[m_cursor].begin;
+        ++m_cursor;
+      }
+      const Piece& piece = m_pieces[m_cursor];
+      const size_t pieceEnd = m_cursorStart + (piece.end - piece.begin);
+      const std::uint32_t begin = Size32(piece.begin + (from - m_cursorStart));
+      const std::uint32_t end = Size32(piece.begin + (std::min(to, pieceEnd) - m_cursorStart));
+      const std::vector<std::uint32_t>& marks = piece.source->marks;
+      const auto first = marks.begin() + piece.markBegin;
+      const auto last = marks.begin() + piece.markEnd;
+      const auto markBegin = begin == piece.begin ? first : std::lower_bound(first, last, begin);
+      const auto markEnd = end == piece.end ? last : std::lower_bound(markBegin, last, end);
+      m_next.push_back({piece.source, begin, end, Size32(markBegin - marks.begin()),
+                        Size32(markEnd - marks.begin())});
+      from = m_cursorStart + (end - piece.begin);
+    }
+  }
+
+  std::deque<Source> m_sources;
+  std::vector<Piece> m_pieces;
+  std::vector<Piece> m_next;
+  std::vector<size_t> m_matches;
+  size_t m_size = 0;
+  size_t m_cursor = 0;
+  size_t m_cursorStart = 0;
+};
+
+}  // namespace
+
+std::string ApplyPagePasses(std::string_view pageTemplate, const std::vector<PagePass>& passes) {
+  PieceText text(pageTemplate);
+  for (const PagePass& pass : passes) {
+    if (pass.find.find('#') == std::string_view::npos) {
+      // Not a tag: no mark to look at, so the plain way over the whole text.
+      std::string whole = text.Text();
+      if (whole.find(pass.find) != std::string::npos) {
+        whole = FastReplace(whole, pass.find, pass.value());
+      }
+      text = PieceText(whole);
+      continue;
+    }
+    text.Replace(pass.find, pass.value);
+  }
+  return text.Text();
 }
 
 std::string FillGamePage(AppContext& ctx, GameDetailsLoader& loader, const std::string& romName,

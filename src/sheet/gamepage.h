@@ -94,8 +94,14 @@ struct PagePass {
   std::string_view find;
   std::function<std::string()> value;
 };
-// The passes over the page, one after the other, each over the text the former ones left.
+// The passes over the page, one after the other, each over the text the former ones left: the
+// result of FastReplace run for each pass over the whole text in turn (ApplyPagePassesPlain),
+// without copying the page at each pass. The page is kept as pieces of the template and of the
+// values, with the places of their "#" marks, so a pass only looks where a tag can begin.
 std::string ApplyPagePasses(std::string_view pageTemplate, const std::vector<PagePass>& passes);
+// The same, pass by pass with FastReplace over the whole text: the reference of the above.
+std::string ApplyPagePassesPlain(std::string_view pageTemplate,
+                                 const std::vector<PagePass>& passes);
 
 // The block shown where a game has no picture.
 std::string_view NoImageBlock();

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <map>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -338,6 +339,37 @@ TEST(ApplyPagePasses, EachPassRunsOverWhatTheFormerOnesLeft) {
   // pass whose tag isn't there is never asked for its value.
   EXPECT_EQ(ApplyPagePasses("1#A2#A3", passes), "1b#A2b#A3");
   EXPECT_EQ(asked, 2);
+}
+
+// The page made from pieces gives what pass after pass of FastReplace over the whole text gives,
+// whatever the values hold: tags, halves of tags that meet the text around them, blanks before
+// a tag, tags that share a beginning, passes that aren't tags.
+TEST(ApplyPagePasses, SameAsOnePlainPassAfterTheOther) {
+  std::mt19937 random(20261122);
+  const std::vector<std::string> bits = {"#A", "#AB", "#B", "#",       " ",    "A",
+                                         "B",  " - ", "x",  "#A - #B", "\r\n", "##"};
+  const std::vector<std::string> finds = {"#A",  "#AB", "#B",       " #A", "#A - #B",
+                                          "#A#", "AB",  " #B - #A", "##",  "xx #A"};
+  const auto text = [&](int most) {
+    std::string out;
+    const int count = static_cast<int>(random() % static_cast<unsigned>(most + 1));
+    for (int i = 0; i < count; ++i) out += bits[random() % bits.size()];
+    return out;
+  };
+  for (int round = 0; round < 20000; ++round) {
+    const std::string pageTemplate = text(14);
+    std::vector<std::string> values;
+    std::vector<PagePass> passes;
+    const int passCount = 1 + static_cast<int>(random() % 6);
+    values.reserve(static_cast<size_t>(passCount));
+    for (int p = 0; p < passCount; ++p) values.push_back(text(4));
+    for (int p = 0; p < passCount; ++p) {
+      const std::string& value = values[static_cast<size_t>(p)];
+      passes.push_back({finds[random() % finds.size()], [&value] { return value; }});
+    }
+    ASSERT_EQ(ApplyPagePasses(pageTemplate, passes), ApplyPagePassesPlain(pageTemplate, passes))
+        << "template [" << pageTemplate << "] round " << round;
+  }
 }
 
 TEST(GamePageHelpers, MakeFileUrl) {
