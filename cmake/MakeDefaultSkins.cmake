@@ -12,12 +12,30 @@ set(version_line
     "<tr><td align=\"right\"><font face=\"Verdana\" size=\"1\">#VERMAME - #VERMDATA</font></td></tr>")
 
 function(copy_text from to)
+  file(COPY_FILE "${SOURCE}/${from}" "${to}")
+endfunction()
+
+# The text of a template. file(READ) drops the CR of each CR LF, so they are put back, after
+# checking that every line of the file does end in CR LF.
+function(read_crlf_text from out)
   file(READ "${SOURCE}/${from}" text)
-  file(WRITE "${to}" "${text}")
+  file(READ "${SOURCE}/${from}" hex HEX)
+  string(LENGTH "${hex}" hex_length)
+  math(EXPR bytes "${hex_length} / 2")
+  string(REGEX MATCHALL "\n" line_ends "${text}")
+  list(LENGTH line_ends lines)
+  string(LENGTH "${text}" text_length)
+  math(EXPR expected "${text_length} + ${lines}")
+  if(NOT expected EQUAL bytes)
+    message(FATAL_ERROR "${from}: every line must end in CR LF")
+  endif()
+  string(ASCII 13 cr)
+  string(REPLACE "\n" "${cr}\n" text "${text}")
+  set(${out} "${text}" PARENT_SCOPE)
 endfunction()
 
 function(with_banner from to picture)
-  file(READ "${SOURCE}/${from}" text)
+  read_crlf_text(${from} text)
   string(FIND "${text}" "${version_line}" at)
   if(at EQUAL -1)
     message(FATAL_ERROR "${from} has no version line to put the banner in place of")
