@@ -9,7 +9,7 @@
 # their files flat and are written by the program's own zip worker.
 
 set(version_line
-    "<tr><td align=\"right\"><font face=\"Verdana\" size=\"1\">#VERMAME - #VERMDATA</font></td></tr>")
+    "<tr><td align=\"right\"><font face=\"Verdana, sans-serif\" size=\"1\">#VERMAME - #VERMDATA</font></td></tr>")
 
 function(copy_text from to)
   file(COPY_FILE "${SOURCE}/${from}" "${to}")
@@ -42,7 +42,7 @@ function(with_banner from to picture)
   endif()
   set(banner "<tr><td><table border=\"0\" cellpadding=\"0\" cellspacing=\"0\" width=\"100%\"><tr>")
   string(APPEND banner "<td width=\"204\"><img border=\"0\" src=\"${picture}\" width=\"204\" height=\"110\"></td>")
-  string(APPEND banner "<td align=\"right\" valign=\"bottom\"><font face=\"Verdana\" size=\"1\">#VERMAME - #VERMDATA</font></td>")
+  string(APPEND banner "<td align=\"right\" valign=\"bottom\"><font face=\"Verdana, sans-serif\" size=\"1\">#VERMAME - #VERMDATA</font></td>")
   string(APPEND banner "</tr></table></td></tr>")
   string(REPLACE "${version_line}" "${banner}" text "${text}")
   file(WRITE "${to}" "${text}")

@@ -63,7 +63,7 @@ TEST(BuiltInTexts, TheListIsOneLineAndTheSameInBothLanguages) {
   for (const char* part :
        {"<title>#TITLE</title>", "text=\"#FFFFFF\"", "bgcolor=\"#0F3F60\"", "link=\"#00FFFF\"",
         "vlink=\"#00FF00\"", "width=\"720\"", "#VERMAME - #VERMDATA", "bgcolor=\"#006699\"",
-        "color=\"#FFFF00\"", "#LIST", "#HOME", "face=\"Verdana\""}) {
+        "color=\"#FFFF00\"", "#LIST", "#HOME", "face=\"Verdana, sans-serif\""}) {
     EXPECT_NE(list.find(part), std::string::npos) << part;
   }
   // The title comes before the list, the list before the link home.
@@ -174,14 +174,16 @@ TEST(DefaultSkins, TheFrenchSkinHasItsBanners) {
             (std::vector<std::string>{"index.gif", "index.htm", "list.htm", "listroms.htm",
                                       "rom.gif", "rom.htm", "search.gif", "search.htm"}));
   const std::string versionLine =
-      "<tr><td align=\"right\"><font face=\"Verdana\" size=\"1\">#VERMAME - #VERMDATA</font>"
+      "<tr><td align=\"right\"><font face=\"Verdana, sans-serif\" size=\"1\">#VERMAME - "
+      "#VERMDATA</font>"
       "</td></tr>";
   const auto banner = [](const char* picture) {
     return "<tr><td><table border=\"0\" cellpadding=\"0\" cellspacing=\"0\" width=\"100%\"><tr>"
            "<td width=\"204\"><img border=\"0\" src=\"" +
            std::string(picture) +
            "\" width=\"204\" height=\"110\"></td><td align=\"right\" valign=\"bottom\"><font "
-           "face=\"Verdana\" size=\"1\">#VERMAME - #VERMDATA</font></td></tr></table></td></tr>";
+           "face=\"Verdana, sans-serif\" size=\"1\">#VERMAME - "
+           "#VERMDATA</font></td></tr></table></td></tr>";
   };
   const struct {
     const char* file;
