@@ -488,9 +488,13 @@ class PieceText final {
     std::string text = value();
     const size_t valueLength = text.size();
     if (!text.empty()) inserted = AddSource(std::move(text));
+    m_starts.resize(m_pieces.size());
+    size_t offset = 0;
+    for (size_t i = 0; i < m_pieces.size(); ++i) {
+      m_starts[i] = offset;
+      offset += m_pieces[i].end - m_pieces[i].begin;
+    }
     m_next.clear();
-    m_cursor = 0;
-    m_cursorStart = 0;
     size_t from = 0;
     for (const size_t start : m_matches) {
       Emit(from, start);
@@ -596,17 +600,29 @@ class PieceText final {
     return true;
   }
 
-  // Appends the pieces that cover [from, to) of the whole text to m_next. Calls come in order.
+  // Appends the pieces that cover [from, to) of the whole text to m_next: whole pieces as they
+  // are, in one go, and the cut ends of the first and the last.
   void Emit(size_t from, size_t to) {
+    if (from >= to) return;
+    const auto length = [this](size_t i) -> size_t { return m_pieces[i].end - m_pieces[i].begin; };
+    size_t k = static_cast<size_t>(std::upper_bound(m_starts.begin(), m_starts.end(), from) -
+                                   m_starts.begin()) -
+               1;
     while (from < to) {
-      while (m_cursorStart + (m_pieces[m_cursor].end - m_pieces[m_cursor].begin) <= from) {
-        m_cursorStart += m_pieces[m_cursor].end - m_pieces[m_cursor].begin;
-        ++m_cursor;
+      const size_t pieceStart = m_starts[k];
+      const size_t pieceEnd = pieceStart + length(k);
+      if (from == pieceStart && pieceEnd <= to) {
+        size_t j = k + 1;
+        while (j < m_pieces.size() && m_starts[j] + length(j) <= to) ++j;
+        m_next.insert(m_next.end(), m_pieces.begin() + static_cast<std::ptrdiff_t>(k),
+                      m_pieces.begin() + static_cast<std::ptrdiff_t>(j));
+        from = m_starts[j - 1] + length(j - 1);
+        k = j;
+        continue;
       }
-      const Piece& piece = m_pieces[m_cursor];
-      const size_t pieceEnd = m_cursorStart + (piece.end - piece.begin);
-      const std::uint32_t begin = Size32(piece.begin + (from - m_cursorStart));
-      const std::uint32_t end = Size32(piece.begin + (std::min(to, pieceEnd) - m_cursorStart));
+      const Piece& piece = m_pieces[k];
+      const std::uint32_t begin = Size32(piece.begin + (from - pieceStart));
+      const std::uint32_t end = Size32(piece.begin + (std::min(to, pieceEnd) - pieceStart));
       const std::vector<std::uint32_t>& marks = piece.source->marks;
       const auto first = marks.begin() + piece.markBegin;
       const auto last = marks.begin() + piece.markEnd;
@@ -614,7 +630,8 @@ class PieceText final {
       const auto markEnd = end == piece.end ? last : std::lower_bound(markBegin, last, end);
       m_next.push_back({piece.source, begin, end, Size32(markBegin - marks.begin()),
                         Size32(markEnd - marks.begin())});
-      from = m_cursorStart + (end - piece.begin);
+      from = pieceStart + (end - piece.begin);
+      ++k;
     }
   }
 
@@ -622,9 +639,9 @@ class PieceText final {
   std::vector<Piece> m_pieces;
   std::vector<Piece> m_next;
   std::vector<size_t> m_matches;
+  // The place of each piece in the whole text, during a replacement.
+  std::vector<size_t> m_starts;
   size_t m_size = 0;
-  size_t m_cursor = 0;
-  size_t m_cursorStart = 0;
 };
 
 }  // namespace
