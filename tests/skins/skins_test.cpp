@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <QProcess>
+#include <QProcessEnvironment>
+#include <QStringList>
 #include <algorithm>
 #include <filesystem>
 #include <string>
@@ -450,6 +453,82 @@ TEST(FoundPage, AnArchiveSkinAndOneThatFails) {
   ASSERT_EQ(home.ui.messages.size(), 1u);
   EXPECT_EQ(home.ui.messages[0].text, "Can't unzip then skin.");
 }
+
+#ifdef TESSARIN_CLI_PATH
+struct CliResult {
+  int exitCode = -1;
+  std::string out, err;
+};
+
+// Runs tessarin-cli on the fixture home, with a temporary folder of the test's own.
+CliResult RunPage(FixtureHome& home, const std::vector<std::string>& args) {
+  QProcess process;
+  QStringList list{QStringLiteral("--home"), QString::fromStdString(home.ctx.AppFolder()),
+                   QStringLiteral("page")};
+  for (const std::string& a : args) list << QString::fromStdString(a);
+  QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+  fs::create_directories(home.Path("systemp"));
+  environment.insert(QStringLiteral("TMPDIR"), QString::fromStdString(home.Path("systemp")));
+  process.setProcessEnvironment(environment);
+  process.setStandardInputFile(QProcess::nullDevice());
+  process.start(QStringLiteral(TESSARIN_CLI_PATH), list);
+  CliResult result;
+  if (!process.waitForStarted(30000) || !process.waitForFinished(120000)) return result;
+  result.exitCode = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -2;
+  result.out = process.readAllStandardOutput().toStdString();
+  result.err = process.readAllStandardError().toStdString();
+  return result;
+}
+
+TEST(PageCommand, WritesTheFoundPageAndPrintsItsPath) {
+  FixtureHome home;
+  fs::remove_all(home.Path("HTML"));
+  const CliResult run = RunPage(home, {"mygame"});
+  ASSERT_EQ(run.exitCode, 0) << run.err;
+  const std::string page = home.Path("systemp/tessarin-cli/Found.htm");
+  EXPECT_EQ(run.out, page + "\n");
+  const std::string text = ReadFile(page);
+  EXPECT_NE(text.find("<title>My Game</title>"), std::string::npos);
+  EXPECT_NE(text.find("Clones list : mygamej"), std::string::npos);
+  // As a start does: the help page and the default skins; and the search page of no skin.
+  EXPECT_EQ(ReadFile(home.Path("HTML/Default_EN.skin.zip")), DefaultSkinArchive(kDefaultSkinEN));
+  EXPECT_EQ(ReadFile(home.Path("HTML/Default_FR.skin.zip")), DefaultSkinArchive(kDefaultSkinFR));
+  EXPECT_TRUE(fs::exists(home.Path("HTML/help.htm")));
+  EXPECT_EQ(ReadFile(home.Path("HTML/search.htm")), BuiltInGamePage(Messages::kEnglish));
+}
+
+TEST(PageCommand, ASkinAnOutputFileAndOnlineImages) {
+  FixtureHome home;
+  WriteFile(home.Path("Tessarin.url.inf"),
+            "ONLINE_SNAP=http://img.example.invalid/snap/#ROMNAME#.png\r\n");
+  fs::create_directories(home.Path("out"));
+  const CliResult run = RunPage(home, {"mygamej", "--skin", "Default_FR.skin.zip", "--out",
+                                       home.Path("out/page.htm"), "--online-images"});
+  ASSERT_EQ(run.exitCode, 0) << run.err;
+  EXPECT_EQ(run.out, home.Path("out/page.htm") + "\n");
+  const std::string text = ReadFile(home.Path("out/page.htm"));
+  EXPECT_NE(text.find("src=\"search.gif\""), std::string::npos);
+  EXPECT_TRUE(fs::exists(home.Path("out/search.gif")));
+  EXPECT_NE(text.find("<img border=\"0\" src=\"http://img.example.invalid/snap/mygamej.png\">"),
+            std::string::npos);
+  EXPECT_NE(text.find("This is a clone of : mygame"), std::string::npos);
+}
+
+TEST(PageCommand, AnUnknownGameOrABrokenSkinFails) {
+  FixtureHome home;
+  const CliResult dummy = RunPage(home, {"nosuchgame"});
+  EXPECT_EQ(dummy.exitCode, 1);
+  EXPECT_NE(dummy.err.find("nosuchgame"), std::string::npos);
+  EXPECT_NE(ReadFile(home.Path("systemp/tessarin-cli/Found.htm")).find("<title>Dummy</title>"),
+            std::string::npos);
+  WriteFile(home.Path("HTML/bad.skin.zip"), "no zip");
+  const CliResult bad = RunPage(home, {"mygame", "--skin", "bad.skin.zip"});
+  EXPECT_EQ(bad.exitCode, 1);
+  EXPECT_NE(bad.err.find("Can't unzip then skin."), std::string::npos) << bad.err;
+  const CliResult usage = RunPage(home, {});
+  EXPECT_EQ(usage.exitCode, 2);
+}
+#endif
 
 }  // namespace
 }  // namespace tessarin
