@@ -24,6 +24,7 @@ int RunCli(int argc, char** argv, const std::string& executableFolder) {
   RegisterDatabaseCommands(registry);
   RegisterSettingsCommands(registry);
   RegisterPageCommands(registry);
+  RegisterSheetCommands(registry);
 
   try {
     app.parse(argc, argv);

@@ -82,5 +82,6 @@ class CliRegistry final {
 void RegisterDatabaseCommands(CliRegistry& registry);
 void RegisterSettingsCommands(CliRegistry& registry);
 void RegisterPageCommands(CliRegistry& registry);
+void RegisterSheetCommands(CliRegistry& registry);
 
 }  // namespace tessarin

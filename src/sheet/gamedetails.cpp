@@ -34,10 +34,6 @@ constexpr std::string_view kBiosSetTemplate = ";#D;#F";
 constexpr std::string_view kChipTemplate = ";#N;#C";
 constexpr std::string_view kDipSwitchTemplate = ";#V;#D";
 
-bool StartsWithText(std::string_view text, std::string_view prefix) {
-  return text.size() >= prefix.size() && text.compare(0, prefix.size(), prefix) == 0;
-}
-
 // The text a reader sees behind a tag. A record without the tag is read from its second
 // character on, as a search position of 0 always gave.
 std::string_view BehindTag(std::string_view record, char tag) {
@@ -90,11 +86,40 @@ Range SplitRange(std::string_view field) {
   return range;
 }
 
+// The first `needle` in `text` from `from` on; npos when there is none. A byte loop behind
+// memchr: the needles here are a few bytes long and the texts are searched thousands of times
+// a second, where a library call per candidate costs more than the comparison.
+size_t FindText(std::string_view text, std::string_view needle, size_t from = 0) {
+  const size_t n = text.size();
+  const size_t m = needle.size();
+  if (m == 0 || m > n) return std::string_view::npos;
+  const char* base = text.data();
+  while (from + m <= n) {
+    const void* p = std::memchr(base + from, needle[0], n - m + 1 - from);
+    if (p == nullptr) return std::string_view::npos;
+    const size_t at = static_cast<size_t>(static_cast<const char*>(p) - base);
+    size_t k = 1;
+    while (k < m && base[at + k] == needle[k]) ++k;
+    if (k == m) return at;
+    from = at + 1;
+  }
+  return std::string_view::npos;
+}
+
+// StartsWith as a byte loop, for the per-piece tests of the XML pass.
+bool HasPrefix(std::string_view text, std::string_view prefix) {
+  if (text.size() < prefix.size()) return false;
+  for (size_t i = 0; i < prefix.size(); ++i) {
+    if (text[i] != prefix[i]) return false;
+  }
+  return true;
+}
+
 // Every occurrence of `find` in `text` becomes `replacement`, left to right, scanning on behind
 // each replaced text. Nothing is copied when `find` isn't there.
 void ReplaceAll(std::string& text, std::string_view find, std::string_view replacement) {
   if (find.empty()) return;
-  size_t hit = text.find(find);
+  size_t hit = FindText(text, find);
   if (hit == std::string::npos) return;
   if (replacement.size() <= find.size()) {
     // Shrinking or equal: compact in place.
@@ -106,20 +131,39 @@ void ReplaceAll(std::string& text, std::string_view find, std::string_view repla
       std::memcpy(&text[write], replacement.data(), replacement.size());
       write += replacement.size();
       read = hit + find.size();
-      hit = text.find(find, read);
+      hit = FindText(text, find, read);
     }
     const size_t rest = text.size() - read;
     if (write != read) std::memmove(&text[write], &text[read], rest);
     text.resize(write + rest);
     return;
   }
-  text = FastReplace(text, find, replacement, 1, kAllMatches, 0);
+  // Growing: in place, going on behind each replaced text (a fill finds its mark once).
+  while (hit != std::string::npos) {
+    text.replace(hit, find.size(), replacement);
+    hit = FindText(text, find, hit + replacement.size());
+  }
+}
+
+// The first place from `from` on where byte `a` is directly followed by byte `b`.
+size_t FindPair(std::string_view text, char a, char b, size_t from) {
+  const char* base = text.data();
+  const size_t n = text.size();
+  while (from + 1 < n) {
+    const void* p = std::memchr(base + from, a, n - 1 - from);
+    if (p == nullptr) return std::string_view::npos;
+    const size_t at = static_cast<size_t>(static_cast<const char*>(p) - base);
+    if (base[at + 1] == b) return at;
+    from = at + 1;
+  }
+  return std::string_view::npos;
 }
 
 // A list item is born as its first value followed by the template of marks.
 void OpenItem(DetailList& list, std::string_view value, std::string_view marks) {
   std::string item;
-  item.reserve(value.size() + marks.size());
+  // Room for the values that will take the marks' places (a rom's sha1 is 40 bytes).
+  item.reserve(value.size() + marks.size() + 96);
   item.append(value);
   item.append(marks);
   list.push_back(std::move(item));
@@ -137,14 +181,6 @@ void CleanList(DetailList& list, const std::string_view (&marks)[N]) {
     if (item.find('#') == std::string::npos) continue;
     for (const std::string_view mark : marks) ReplaceAll(item, mark, "");
   }
-}
-
-std::string_view TrimSpaces(std::string_view text) {
-  size_t first = 0;
-  while (first < text.size() && text[first] == ' ') ++first;
-  size_t last = text.size();
-  while (last > first && text[last - 1] == ' ') --last;
-  return text.substr(first, last - first);
 }
 
 std::string Without(std::string_view text, std::string_view characters) {
@@ -318,9 +354,9 @@ void ParseTagAttributes(std::string_view tag, bool continuation, TagAttributes& 
   while (!rest.empty()) {
     const size_t equal = rest.find('=');
     if (equal == std::string_view::npos) break;
-    const std::string_view key = TrimSpaces(rest.substr(0, equal));
+    const std::string_view key = TrimBlanks(rest.substr(0, equal));
     const std::string_view behind = rest.substr(equal + 1);
-    std::string_view value = TrimSpaces(behind);
+    std::string_view value = TrimBlanks(behind);
     if (!value.empty()) {
       if (value.front() == '"') value.remove_prefix(1);
       value = value.substr(0, value.find('"'));
@@ -353,36 +389,55 @@ void ReduceRatio(std::int32_t& width, std::int32_t& height) {
   }
 }
 
-std::string ReadPersonalNotes(const std::string& appFolder, std::string_view name,
-                              const std::string& path) {
-  std::string file = path;
-  if (file.empty()) {
-    file = FindFileNoCase(appFolder, "notes.txt");
-    if (!FileExists(file)) file = ResolveNoCase(appFolder, "DataFiles/notes.txt");
-  }
-  if (!FileExists(file)) return {};
-  DataLineReader reader;
-  if (!reader.Open(file)) return {};
+namespace {
+
+// The notes file of the default places: "notes.txt" in the application folder, else in
+// "DataFiles", either found without regard to case; empty when there is none.
+std::string DefaultNotesPath(const std::string& appFolder) {
+  std::string file = FindFileNoCase(appFolder, "notes.txt");
+  if (FileExists(file)) return file;
+  file = ResolveNoCase(appFolder, "DataFiles/notes.txt");
+  return FileExists(file) ? file : std::string();
+}
+
+// A game's block in the text of a notes file: the lines behind the first line that holds the
+// tag, up to the first line whose blank-trimmed text starts with "[". Every line end of the
+// file (CR LF, LF, CR) ends a line; the lines are joined with CR LF.
+std::string NotesBlock(std::string_view content, std::string_view name) {
   std::string tag = "[";
   tag.append(name);
   tag.push_back(']');
-  std::string_view line;
-  bool found = false;
-  while (reader.ReadLine(line)) {
-    if (line.find(tag) != std::string_view::npos) {
-      found = true;
-      break;
-    }
-  }
-  if (!found) return {};
+  // A tag with a line end in it can't stand on one line.
+  if (tag.find_first_of("\r\n") != std::string::npos) return {};
+  const size_t at = FindText(content, tag);
+  if (at == std::string_view::npos) return {};
+  auto lineEnd = [&](size_t from) {
+    const size_t end = content.find_first_of("\r\n", from);
+    return end == std::string_view::npos ? content.size() : end;
+  };
+  size_t position = lineEnd(at);
+  position += LineEndAt(content, position);
   std::string notes;
-  while (reader.ReadLine(line)) {
-    if (StartsWithText(TrimSpaces(line), "[")) break;
+  while (position < content.size()) {
+    const size_t end = lineEnd(position);
+    const std::string_view line = content.substr(position, end - position);
+    if (StartsWith(TrimBlanks(line), "[")) break;
     notes.append(line);
     notes.append("\r\n");
+    position = end + LineEndAt(content, end);
   }
   if (notes.size() >= 2) notes.resize(notes.size() - 2);
   return notes;
+}
+
+}  // namespace
+
+std::string ReadPersonalNotes(const std::string& appFolder, std::string_view name,
+                              const std::string& path) {
+  const std::string file = path.empty() ? DefaultNotesPath(appFolder) : path;
+  std::string content;
+  if (file.empty() || !FileExists(file) || !ReadWholeFile(file, content)) return {};
+  return NotesBlock(content, name);
 }
 
 std::string BuildClonesListPlain(const GameStore& store, std::string_view name, bool asLinks) {
@@ -410,12 +465,20 @@ struct GameDetailsLoader::Caches {
   // field, so the games whose field begins with a name are one range.
   unsigned long long generation = ~0ULL;
   const GameStore* store = nullptr;
-  std::vector<std::pair<std::string_view, int>> parents;
+  std::vector<std::pair<std::string, int>> parents;
 
   // The places of "$bio" in the History file, for the file of that stamp.
   FileStamp historyStamp;
   bool historyScanned = false;
   std::vector<long long> bioPositions;
+
+  // The notes file: where it is, as long as the two folders it may be in are unchanged, and
+  // its text, as long as the file is unchanged.
+  fs::file_time_type appFolderTime{}, dataFolderTime{};
+  bool notesResolved = false;
+  std::string notesPath;
+  FileStamp notesStamp;
+  std::string notesText;
 
   // Scratch room reused from game to game.
   std::string block;
@@ -451,17 +514,22 @@ std::string GameDetailsLoader::BuildClonesList(std::string_view name, bool asLin
       const int count = store.GameCount();
       c.parents.reserve(static_cast<size_t>(std::max(count, 0)));
       for (int i = 1; i <= count && static_cast<size_t>(i) < store.GameRecords.size(); ++i) {
+        // Copies: records may be changed in place (a rom scan adds its mark) and move.
         c.parents.emplace_back(
-            UpToSemicolon(BehindTag(store.GameRecords[static_cast<size_t>(i)], 'S')), i);
+            std::string(UpToSemicolon(BehindTag(store.GameRecords[static_cast<size_t>(i)], 'S'))),
+            i);
       }
       std::sort(c.parents.begin(), c.parents.end());
       c.generation = store.Generation();
       c.store = &store;
     }
-    auto first = std::lower_bound(c.parents.begin(), c.parents.end(),
-                                  std::pair<std::string_view, int>(name, 0));
+    auto first =
+        std::lower_bound(c.parents.begin(), c.parents.end(), name,
+                         [](const std::pair<std::string, int>& entry, std::string_view key) {
+                           return std::string_view(entry.first) < key;
+                         });
     std::vector<int> games;
-    for (auto it = first; it != c.parents.end() && StartsWithText(it->first, name); ++it) {
+    for (auto it = first; it != c.parents.end() && StartsWith(it->first, name); ++it) {
       games.push_back(it->second);
     }
     std::sort(games.begin(), games.end());
@@ -486,7 +554,7 @@ std::string GameDetailsLoader::ReadMameinfoEntry(std::string_view name) {
     if (index == 0) return;
     const std::string_view field =
         UpToSemicolon(BehindTag(store.GameRecords[static_cast<size_t>(index)], 'U'));
-    if (StartsWithText(field, "#") || field.find(',') == std::string_view::npos) return;
+    if (StartsWith(field, "#") || field.find(',') == std::string_view::npos) return;
     const Range range = SplitRange(field);
     if (range.second == 0) return;
     std::string path = m_ctx.settings.InfRead("DataFile3");
@@ -606,10 +674,10 @@ GameDetails GameDetailsLoader::LoadGameDetails(std::string& name, std::int32_t i
     details.Bios = TableText(store.BiosTable, FieldToIndex(BehindTag(record, 'M')));
     details.CategoryIndex = FieldToIndex(BehindTag(record, 'J'));
     details.Category = TableText(store.CategoryTable, details.CategoryIndex);
-    details.CheatSupport = StartsWithText(BehindTag(record, 'R'), "1");
+    details.CheatSupport = StartsWith(BehindTag(record, 'R'), "1");
     {
       const std::string_view parent = UpToSemicolon(BehindTag(record, 'S'));
-      if (!StartsWithText(parent, "#")) details.CloneOf = std::string(parent);
+      if (!StartsWith(parent, "#")) details.CloneOf = std::string(parent);
     }
     details.Control = TableText(store.ControlsTable, FieldToIndex(BehindTag(record, 'G')));
     details.Description = std::string(UpToSemicolon(BehindTag(record, 'B')));
@@ -617,11 +685,11 @@ GameDetails GameDetailsLoader::LoadGameDetails(std::string& name, std::int32_t i
     details.DriverStatus = TableText(store.StatusTable, FieldToIndex(BehindTag(record, 'H')));
     details.GenreIndex = FieldToIndex(BehindTag(record, 'I'));
     details.Genre = TableText(store.GenreTable, details.GenreIndex);
-    details.HiscoreSupport = !StartsWithText(BehindTag(record, 'P'), "#");
+    details.HiscoreSupport = !StartsWith(BehindTag(record, 'P'), "#");
     details.Buttons = TableText(store.ButtonsTable, FieldToIndex(BehindTag(record, 'F')));
     details.ManufacturerIndex = FieldToIndex(BehindTag(record, 'C'));
     details.Manufacturer = TableText(store.ManufacturerTable, details.ManufacturerIndex);
-    details.Mature = !StartsWithText(BehindTag(record, 'L'), "#");
+    details.Mature = !StartsWith(BehindTag(record, 'L'), "#");
     details.Players = TableText(store.NPlayersTable, FieldToIndex(BehindTag(record, 'O')));
     details.Orientation = TableText(store.OrientationTable, FieldToIndex(BehindTag(record, 'E')));
     details.YearIndex = FieldToIndex(BehindTag(record, 'D'));
@@ -687,8 +755,8 @@ GameDetails GameDetailsLoader::LoadGameDetails(std::string& name, std::int32_t i
     // 7. The data files' texts.
     {
       const std::string_view field = UpToSemicolon(BehindTag(record, 'Q'));
-      const bool placed = !StartsWithText(field, "#") &&
-                          field.find(',') != std::string_view::npos && SplitRange(field).start != 0;
+      const bool placed = !StartsWith(field, "#") && field.find(',') != std::string_view::npos &&
+                          SplitRange(field).start != 0;
       if (placed) {
         if (presenceOnly) {
           details.History = "True";
@@ -749,9 +817,36 @@ GameDetails GameDetailsLoader::LoadGameDetails(std::string& name, std::int32_t i
     }
 
     // 8. The user's own notes.
-    details.PersonalNotes = ReadPersonalNotes(folder, details.RomName, std::string());
+    details.PersonalNotes = NotesOf(details.RomName);
   });
   return details;
+}
+
+std::string GameDetailsLoader::NotesOf(std::string_view name) {
+  Caches& c = *m_caches;
+  const std::string& folder = m_ctx.AppFolder();
+  // Finding the file without regard to case reads the folders: done again only when one of
+  // them changed (a file added, removed or renamed changes its folder's time).
+  std::error_code appError, dataError;
+  const fs::file_time_type appTime = fs::last_write_time(FsPath(folder), appError);
+  const fs::file_time_type dataTime =
+      fs::last_write_time(FsPath(DataFilesFolder(folder)), dataError);
+  if (!c.notesResolved || appTime != c.appFolderTime || dataTime != c.dataFolderTime) {
+    c.notesPath = DefaultNotesPath(folder);
+    c.appFolderTime = appTime;
+    c.dataFolderTime = dataTime;
+    c.notesResolved = true;
+    c.notesStamp = FileStamp();
+  }
+  if (c.notesPath.empty()) return {};
+  FileStamp stamp;
+  if (!StampOf(c.notesPath, stamp)) return {};
+  if (!(stamp == c.notesStamp)) {
+    c.notesText.clear();
+    if (!ReadWholeFile(c.notesPath, c.notesText)) return {};
+    c.notesStamp = stamp;
+  }
+  return NotesBlock(c.notesText, name);
 }
 
 void GameDetailsLoader::ListInfoPass(GameDetails& d, std::string& name) {
@@ -760,7 +855,7 @@ void GameDetailsLoader::ListInfoPass(GameDetails& d, std::string& name) {
   // The rest of a bracketed line: "(" and ")" deleted, trimmed, split at blanks.
   auto tokensOf = [&](std::string_view rest) {
     const std::string bare = Without(rest, "()");
-    FastSplit(TrimSpaces(bare), tokens, " ");
+    FastSplit(TrimBlanks(bare), tokens, " ");
   };
 
   std::string_view block = c.block;
@@ -773,28 +868,28 @@ void GameDetailsLoader::ListInfoPass(GameDetails& d, std::string& name) {
     line = Without(block.substr(position, end - position), "\t");
     position = end + LineEndAt(block, end);
     if (end == block.size()) position = block.size() + 1;
-    const std::string_view text = TrimSpaces(line);
+    const std::string_view text = TrimBlanks(line);
     if (text.empty()) continue;
 
-    if (StartsWithText(text, "name")) {
-      name = std::string(TrimSpaces(text.substr(4)));
+    if (StartsWith(text, "name")) {
+      name = std::string(TrimBlanks(text.substr(4)));
       d.RomName = name;
     }
-    if (StartsWithText(text, "description")) {
-      d.Description = Without(TrimSpaces(text.substr(11)), "\"");
+    if (StartsWith(text, "description")) {
+      d.Description = Without(TrimBlanks(text.substr(11)), "\"");
     }
-    if (StartsWithText(text, "year")) d.Year = std::string(TrimSpaces(text.substr(4)));
-    if (StartsWithText(text, "manufacturer")) {
-      d.Manufacturer = std::string(TrimSpaces(text.substr(12)));
+    if (StartsWith(text, "year")) d.Year = std::string(TrimBlanks(text.substr(4)));
+    if (StartsWith(text, "manufacturer")) {
+      d.Manufacturer = std::string(TrimBlanks(text.substr(12)));
     }
-    if (StartsWithText(text, "romof")) d.RomOf = std::string(TrimSpaces(text.substr(5)));
-    if (StartsWithText(text, "cloneof")) d.CloneOf = std::string(TrimSpaces(text.substr(7)));
-    if (StartsWithText(text, "sampleof")) d.SampleOf = std::string(TrimSpaces(text.substr(8)));
-    if (StartsWithText(text, "sound")) {
+    if (StartsWith(text, "romof")) d.RomOf = std::string(TrimBlanks(text.substr(5)));
+    if (StartsWith(text, "cloneof")) d.CloneOf = std::string(TrimBlanks(text.substr(7)));
+    if (StartsWith(text, "sampleof")) d.SampleOf = std::string(TrimBlanks(text.substr(8)));
+    if (StartsWith(text, "sound")) {
       tokensOf(text.substr(5));
       if (tokens.size() > 1) d.SoundChannels = tokens[1];
     }
-    if (StartsWithText(text, "dipswitch")) {
+    if (StartsWith(text, "dipswitch")) {
       tokensOf(text.substr(9));
       for (size_t i = 0; i + 1 < tokens.size(); ++i) {
         const std::string& value = tokens[i + 1];
@@ -818,7 +913,7 @@ void GameDetailsLoader::ListInfoPass(GameDetails& d, std::string& name) {
         }
       }
     }
-    if (StartsWithText(text, "driver")) {
+    if (StartsWith(text, "driver")) {
       tokensOf(text.substr(6));
       for (size_t i = 0; i + 1 < tokens.size(); ++i) {
         const std::string& key = tokens[i];
@@ -834,7 +929,7 @@ void GameDetailsLoader::ListInfoPass(GameDetails& d, std::string& name) {
         }
       }
     }
-    if (StartsWithText(text, "input")) {
+    if (StartsWith(text, "input")) {
       tokensOf(text.substr(5));
       for (size_t i = 0; i + 1 < tokens.size(); ++i) {
         const std::string& key = tokens[i];
@@ -852,7 +947,7 @@ void GameDetailsLoader::ListInfoPass(GameDetails& d, std::string& name) {
         }
       }
     }
-    if (StartsWithText(text, "video")) {
+    if (StartsWith(text, "video")) {
       tokensOf(text.substr(5));
       for (size_t i = 0; i + 1 < tokens.size(); ++i) {
         const std::string& key = tokens[i];
@@ -874,7 +969,7 @@ void GameDetailsLoader::ListInfoPass(GameDetails& d, std::string& name) {
         }
       }
     }
-    if (StartsWithText(text, "rom")) {
+    if (StartsWith(text, "rom")) {
       tokensOf(text.substr(3));
       for (size_t i = 0; i + 1 < tokens.size(); ++i) {
         const std::string& key = tokens[i];
@@ -896,7 +991,7 @@ void GameDetailsLoader::ListInfoPass(GameDetails& d, std::string& name) {
         }
       }
     }
-    if (StartsWithText(text, "chip")) {
+    if (StartsWith(text, "chip")) {
       tokensOf(text.substr(4));
       for (size_t i = 0; i + 1 < tokens.size(); ++i) {
         const std::string& key = tokens[i];
@@ -917,23 +1012,32 @@ void GameDetailsLoader::XmlPass(GameDetails& d) {
   Caches& c = *m_caches;
   std::string& text = c.block;
 
-  // The block ends with the game's closing element: what follows (a device, the list's end)
-  // is no part of the game.
+  // One pass over the block: tabs and every line end (CR LF, LF, CR) go, so that the elements
+  // meet as "><"; "<game " becomes "game "; and the block ends behind the game's closing element
+  // ("</machine>" or "</game>"), as what follows (a device, the list's end) is no part of it.
   {
-    const size_t machine = text.find("</machine>");
-    const size_t game = text.find("</game>");
-    size_t cut = std::string::npos;
-    if (machine != std::string::npos) cut = machine + 10;
-    if (game != std::string::npos && (cut == std::string::npos || game + 7 < cut)) {
-      cut = game + 7;
+    char* out = text.data();
+    const char* in = text.data();
+    const size_t n = text.size();
+    size_t w = 0;
+    for (size_t r = 0; r < n; ++r) {
+      const char ch = in[r];
+      if (ch == '\t' || ch == '\r' || ch == '\n') continue;
+      out[w++] = ch;
+      if (ch == ' ') {
+        if (w >= 6 && out[w - 2] == 'e' && std::memcmp(out + w - 6, "<game ", 6) == 0) {
+          std::memmove(out + w - 6, out + w - 5, 5);
+          --w;
+        }
+      } else if (ch == '>' && w >= 7 && out[w - 2] == 'e') {
+        if ((w >= 10 && std::memcmp(out + w - 10, "</machine>", 10) == 0) ||
+            std::memcmp(out + w - 7, "</game>", 7) == 0) {
+          break;
+        }
+      }
     }
-    if (cut != std::string::npos) text.resize(cut);
+    text.resize(w);
   }
-  // Tabs and every line end (CR LF, LF, CR) go, so the elements meet as "><".
-  text.erase(std::remove_if(text.begin(), text.end(),
-                            [](char ch) { return ch == '\t' || ch == '\r' || ch == '\n'; }),
-             text.end());
-  ReplaceAll(text, "<game ", "game ");
   if (text.find('&') != std::string::npos) {
     ReplaceAll(text, "&#60", "<");
     ReplaceAll(text, "&lt;", "<");
@@ -950,7 +1054,8 @@ void GameDetailsLoader::XmlPass(GameDetails& d) {
   {
     const std::string_view all = text;
     size_t from = 0;
-    for (size_t hit = all.find("><"); hit != std::string_view::npos; hit = all.find("><", from)) {
+    for (size_t hit = FindPair(all, '>', '<', 0); hit != std::string_view::npos;
+         hit = FindPair(all, '>', '<', from)) {
       pieces.push_back(all.substr(from, hit - from));
       from = hit + 2;
     }
@@ -965,28 +1070,42 @@ void GameDetailsLoader::XmlPass(GameDetails& d) {
   for (size_t i = 0; i + 1 < pieces.size(); ++i) {
     const std::string_view piece = pieces[i];
     bool plain = false;
-    for (const std::string_view start : kPlain) {
-      if (StartsWithText(piece, start)) {
-        plain = true;
+    // Most pieces start with none of the letters of the elements looked for.
+    switch (piece.empty() ? '\0' : piece.front()) {
+      case 'b':
+      case 'r':
+      case 'd':
+      case 's':
+      case 'c':
+      case 'v':
+        for (const std::string_view start : kPlain) {
+          if (HasPrefix(piece, start)) {
+            plain = true;
+            break;
+          }
+        }
         break;
-      }
+      case 'i':
+        break;
+      default:
+        continue;
     }
     if (plain) {
       ParseTagAttributes(piece, false, Attributes);
-    } else if (StartsWithText(piece, "input ")) {
+    } else if (HasPrefix(piece, "input ")) {
       ParseTagAttributes(piece, false, Attributes);
-      for (size_t j = i + 1; j < pieces.size() && StartsWithText(pieces[j], "control "); ++j) {
+      for (size_t j = i + 1; j < pieces.size() && HasPrefix(pieces[j], "control "); ++j) {
         joined.assign("input ");
         joined.append(pieces[j]);
         ReplaceAll(joined, "control type", "control_type");
         ParseTagAttributes(joined, true, Attributes);
       }
-    } else if (StartsWithText(piece, "dipswitch ")) {
+    } else if (HasPrefix(piece, "dipswitch ")) {
       ParseTagAttributes(piece, false, Attributes);
       for (size_t j = i + 1; j < pieces.size(); ++j) {
         // Today's switches give the places of their switches first: passed over.
-        if (StartsWithText(pieces[j], "diplocation ")) continue;
-        if (!StartsWithText(pieces[j], "dipvalue ")) break;
+        if (HasPrefix(pieces[j], "diplocation ")) continue;
+        if (!HasPrefix(pieces[j], "dipvalue ")) break;
         joined.assign("dipswitch ");
         joined.append(pieces[j]);
         ReplaceAll(joined, "dipvalue ", "dipvalue_");
@@ -1000,7 +1119,7 @@ void GameDetailsLoader::XmlPass(GameDetails& d) {
   for (int k = 1; k <= Attributes.AttrCount; ++k) {
     std::string_view key = Attributes.AttrKeys[static_cast<size_t>(k)];
     const std::string& value = Attributes.AttrValues[static_cast<size_t>(k)];
-    if (StartsWithText(key, "*")) key.remove_prefix(1);
+    if (HasPrefix(key, "*")) key.remove_prefix(1);
     d.Working = true;
     const size_t underscore = key.find('_');
     const std::string_view element = key.substr(0, underscore);
