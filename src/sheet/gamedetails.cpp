@@ -1,6 +1,7 @@
 #include "sheet/gamedetails.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -268,6 +269,13 @@ struct FileStamp {
   bool operator==(const FileStamp&) const = default;
 };
 
+// A time stamp that is some seconds old: a change made after it was read gets a later stamp
+// even on file systems that stamp coarsely, so a cache keyed on it can be trusted. A younger
+// stamp may be shared by a change still to come, and a cache keyed on it is used once only.
+bool Settled(fs::file_time_type time) {
+  return time < fs::file_time_type::clock::now() - std::chrono::seconds(2);
+}
+
 bool StampOf(const std::string& path, FileStamp& stamp) {
   std::error_code ec;
   const fs::path p = FsPath(path);
@@ -478,6 +486,7 @@ struct GameDetailsLoader::Caches {
   bool notesResolved = false;
   std::string notesPath;
   FileStamp notesStamp;
+  bool notesRead = false;
   std::string notesText;
 
   // Scratch room reused from game to game.
@@ -496,6 +505,8 @@ void GameDetailsLoader::InvalidateCaches() {
   m_caches->parents.clear();
   m_caches->historyScanned = false;
   m_caches->bioPositions.clear();
+  m_caches->notesResolved = false;
+  m_caches->notesRead = false;
 }
 
 std::string GameDetailsLoader::BuildClonesList(std::string_view name, bool asLinks) {
@@ -573,12 +584,61 @@ std::string GameDetailsLoader::ReadMameinfoEntry(std::string_view name) {
 
 namespace {
 
-// The History text of an entry: read from the 1-based `start` for `length` bytes (as far as the
-// file goes), begun after the first "$bio" of that block when there is one, and cut before the
-// line end in front of the first "$end" behind that. Only the bytes up to that "$end" are read;
-// where the first "$bio" of the block lies comes from the marks found once per file.
-std::string ReadHistoryText(const std::string& path, long long start, long long length,
-                            const std::vector<long long>& bioPositions) {
+// The places of every "$bio" of a History file, in order.
+std::vector<long long> ScanBioMarks(const std::string& path);
+
+// Reads a file forward from `from` up to `end` in growing steps, keeping what it read.
+class ForwardReader final {
+ public:
+  ForwardReader(std::ifstream& file, long long from, long long end)
+      : m_file(file), m_from(from), m_end(end) {
+    m_file.clear();
+    m_file.seekg(from);
+  }
+  // Reads one more step; false at the end.
+  bool More() {
+    const long long readTo = m_from + static_cast<long long>(text.size());
+    if (readTo >= m_end) return false;
+    const long long want = std::min<long long>(static_cast<long long>(m_step), m_end - readTo);
+    const size_t old = text.size();
+    text.resize(old + static_cast<size_t>(want));
+    m_file.read(text.data() + old, static_cast<std::streamsize>(want));
+    const size_t got = static_cast<size_t>(m_file.gcount());
+    text.resize(old + got);
+    m_step *= 2;
+    return got > 0;
+  }
+  std::string text;  // the bytes from `from` on
+
+ private:
+  std::ifstream& m_file;
+  long long m_from;
+  long long m_end;
+  size_t m_step = 16 * 1024;
+};
+
+// The text from `from` to `end`, cut before the line end in front of its first "$end"; only the
+// bytes up to that "$end" are read.
+std::string ReadUpToEnd(std::ifstream& file, long long from, long long end) {
+  if (from >= end) return {};
+  ForwardReader reader(file, from, end);
+  size_t searchFrom = 0;
+  while (reader.More()) {
+    const size_t hit = FindText(reader.text, "$end", searchFrom);
+    if (hit != std::string::npos) return CutBeforeEnd(reader.text, hit);
+    // "$end" may straddle two reads.
+    searchFrom = reader.text.size() >= 3 ? reader.text.size() - 3 : 0;
+  }
+  return std::move(reader.text);
+}
+
+}  // namespace
+
+std::string GameDetailsLoader::ReadHistoryText(const std::string& path, long long start,
+                                               long long length) {
+  // The block is `length` bytes from the 1-based `start` (as far as the file goes); the text
+  // begins 6 bytes behind the block's first "$bio" when there is one, and is cut before the line
+  // end in front of the first "$end" behind that.
   std::ifstream file(FsPath(path), std::ios::binary);
   if (!file || length <= 0) return {};
   file.seekg(0, std::ios::end);
@@ -589,36 +649,42 @@ std::string ReadHistoryText(const std::string& path, long long start, long long 
   if (end > size) end = size;
   if (end <= begin) return {};
 
-  long long textBegin = begin;
-  const auto bio = std::lower_bound(bioPositions.begin(), bioPositions.end(), begin);
-  if (bio != bioPositions.end() && *bio + 4 <= end) {
-    textBegin = *bio + 6;
-    if (textBegin >= end) return {};
-  }
-
-  // Read on in growing steps until "$end" turns up or the block ends.
-  std::string text;
-  long long readTo = textBegin;
-  size_t step = 16 * 1024;
+  // Read on until the first "$bio" or "$end". An entry's own "$bio" comes before its "$end".
+  ForwardReader reader(file, begin, end);
   size_t searchFrom = 0;
-  file.seekg(textBegin);
-  while (readTo < end) {
-    const long long want = std::min<long long>(static_cast<long long>(step), end - readTo);
-    const size_t old = text.size();
-    text.resize(old + static_cast<size_t>(want));
-    file.read(text.data() + old, static_cast<std::streamsize>(want));
-    const size_t got = static_cast<size_t>(file.gcount());
-    text.resize(old + got);
-    readTo += static_cast<long long>(got);
-    const size_t hit = text.find("$end", searchFrom);
-    if (hit != std::string::npos) return CutBeforeEnd(text, hit);
-    // "$end" may straddle two reads.
-    searchFrom = text.size() >= 3 ? text.size() - 3 : 0;
-    if (got == 0) break;
-    step *= 2;
+  size_t firstEnd = std::string::npos;
+  while (reader.More()) {
+    const size_t bio = FindText(reader.text, "$bio", searchFrom);
+    const size_t stop = FindText(reader.text, "$end", searchFrom);
+    if (bio != std::string::npos && (stop == std::string::npos || bio < stop)) {
+      return ReadUpToEnd(file, begin + static_cast<long long>(bio) + 6, end);
+    }
+    if (stop != std::string::npos) {
+      firstEnd = stop;
+      break;
+    }
+    searchFrom = reader.text.size() >= 3 ? reader.text.size() - 3 : 0;
   }
-  return text;
+  if (firstEnd == std::string::npos) {
+    // The whole block is read and holds neither mark.
+    return std::move(reader.text);
+  }
+  // An entry without "$bio": the first "$bio" further on in the block decides, as far as the
+  // block goes. Where the marks are is found once per file.
+  Caches& c = *m_caches;
+  FileStamp stamp;
+  StampOf(path, stamp);
+  if (!c.historyScanned || !(stamp == c.historyStamp)) {
+    c.bioPositions = ScanBioMarks(path);
+    c.historyStamp = stamp;
+    c.historyScanned = Settled(stamp.time);
+  }
+  const auto bio = std::lower_bound(c.bioPositions.begin(), c.bioPositions.end(), begin);
+  if (bio != c.bioPositions.end() && *bio + 4 <= end) return ReadUpToEnd(file, *bio + 6, end);
+  return CutBeforeEnd(reader.text, firstEnd);
 }
+
+namespace {
 
 std::vector<long long> ScanBioMarks(const std::string& path) {
   std::vector<long long> positions;
@@ -763,15 +829,8 @@ GameDetails GameDetailsLoader::LoadGameDetails(std::string& name, std::int32_t i
         } else {
           const std::string path = FindDataFile(m_ctx, "DataFile2", "DataFiles/history.dat");
           if (!path.empty()) {
-            FileStamp stamp;
-            StampOf(path, stamp);
-            if (!c.historyScanned || !(stamp == c.historyStamp)) {
-              c.bioPositions = ScanBioMarks(path);
-              c.historyStamp = stamp;
-              c.historyScanned = true;
-            }
             const Range range = SplitRange(field);
-            details.History = ReadHistoryText(path, range.start, range.second, c.bioPositions);
+            details.History = ReadHistoryText(path, range.start, range.second);
           }
         }
       }
@@ -835,16 +894,20 @@ std::string GameDetailsLoader::NotesOf(std::string_view name) {
     c.notesPath = DefaultNotesPath(folder);
     c.appFolderTime = appTime;
     c.dataFolderTime = dataTime;
-    c.notesResolved = true;
-    c.notesStamp = FileStamp();
+    c.notesResolved = Settled(appTime) && Settled(dataTime);
+    c.notesRead = false;
   }
   if (c.notesPath.empty()) return {};
   FileStamp stamp;
-  if (!StampOf(c.notesPath, stamp)) return {};
-  if (!(stamp == c.notesStamp)) {
+  if (!StampOf(c.notesPath, stamp)) {
+    c.notesResolved = false;  // gone since: look again next time
+    return {};
+  }
+  if (!c.notesRead || !(stamp == c.notesStamp)) {
     c.notesText.clear();
     if (!ReadWholeFile(c.notesPath, c.notesText)) return {};
     c.notesStamp = stamp;
+    c.notesRead = Settled(stamp.time);
   }
   return NotesBlock(c.notesText, name);
 }
