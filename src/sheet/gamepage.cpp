@@ -459,6 +459,9 @@ class PieceText final {
   void Replace(std::string_view find, const std::function<std::string()>& value) {
     const size_t anchor = find.find('#');
     const size_t length = find.size();
+    // The character behind the '#', when the search text has one.
+    const bool hasNext = anchor + 1 < length;
+    const char next = hasNext ? find[anchor + 1] : '#';
     m_matches.clear();
     size_t pieceStart = 0;  // the place of the current piece in the whole text
     size_t nextAllowed = 0;
@@ -466,7 +469,10 @@ class PieceText final {
     for (size_t i = 0; i < m_pieces.size() && !done; ++i) {
       const Piece& piece = m_pieces[i];
       const std::vector<std::uint32_t>& marks = piece.source->marks;
+      const char* data = piece.source->text.data();
       for (std::uint32_t m = piece.markBegin; m < piece.markEnd; ++m) {
+        // Most marks are colours or other tags: the letter behind the '#' tells them apart.
+        if (hasNext && marks[m] + 1 < piece.end && data[marks[m] + 1] != next) continue;
         const size_t place = pieceStart + (marks[m] - piece.begin);
         if (place < anchor) continue;
         const size_t start = place - anchor;
