@@ -26,6 +26,7 @@ int RunCli(int argc, char** argv, const std::string& executableFolder) {
   RegisterDatabaseCommands(registry);
   RegisterSettingsCommands(registry);
   RegisterUpdateCommands(registry);
+  RegisterPageCommands(registry);
   RegisterSheetCommands(registry);
   RegisterTranslateCommands(registry);
 

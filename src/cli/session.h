@@ -82,6 +82,7 @@ class CliRegistry final {
 void RegisterDatabaseCommands(CliRegistry& registry);
 void RegisterSettingsCommands(CliRegistry& registry);
 void RegisterUpdateCommands(CliRegistry& registry);
+void RegisterPageCommands(CliRegistry& registry);
 void RegisterSheetCommands(CliRegistry& registry);
 void RegisterTranslateCommands(CliRegistry& registry);
 

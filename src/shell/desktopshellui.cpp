@@ -7,6 +7,7 @@
 
 #include "app/context.h"
 #include "core/fileservices.h"
+#include "lists/skins.h"
 #include "widgets/desktopui.h"
 #include "shell/languagedialog.h"
 #include "shell/mainframe.h"
@@ -43,6 +44,7 @@ std::unique_ptr<MainFrame> StartDesktop(AppContext& ctx, ShellSession& session, 
   };
   steps.LoadIndex = [&ctx] { LoadDatabase(ctx); };
   steps.LoadUrlList = [&ctx, &sites] { LoadUrlList(sites, ctx.AppFolder(), ctx.log); };
+  steps.SkinResource = DefaultSkinArchive;
   if (StartUp(ctx, session, steps) == StartResult::TempFolderFailed) {
     QMessageBox box(QMessageBox::Critical, QStringLiteral("Tessarin"),
                     ToQt(TempFolderFailureText(ctx)), QMessageBox::Ok);
