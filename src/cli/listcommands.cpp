@@ -190,8 +190,7 @@ void AddDat(CliRegistry& registry) {
         session.Print("Data file written to " + o->out);
         return kExitOk;
       });
-  dat->add_option("--ini", o->ini,
-                  "An INI file of rom names: export only those, in its order");
+  dat->add_option("--ini", o->ini, "An INI file of rom names: export only those, in its order");
   dat->add_option("--out", o->out, "The data file to write (replaced)")->required();
 }
 

@@ -10,6 +10,7 @@
 #include "core/messages.h"
 #include "core/work.h"
 #include "lists/listfile.h"
+#include "sheet/gamedetails.h"
 #include "store/faststrings.h"
 #include "store/gamerecord.h"
 
@@ -401,6 +402,101 @@ void AppendDatGame(std::string& out, const DatMask& mask, const DatGameValues& g
       out += "\r\n";
     }
   }
+}
+
+bool PrepareDatMask(AppContext& ctx, DatMask& mask) {
+  mask = DatMask();
+  const std::string path = AddSlash(ctx.AppFolder()) + std::string(kDatMaskName);
+  if (!FileExists(path)) CreateDefaultDatMask(ctx);
+  std::string text;
+  if (!FileExists(path) || !ReadWholeFile(path, text)) return false;
+  mask = ParseDatMask(text);
+  return mask.hasStart;
+}
+
+DatExportResult ExportDatList(AppContext& ctx, Work& work, const std::string& iniFile,
+                              const std::string& outputPath) {
+  DatMask mask;
+  if (!PrepareDatMask(ctx, mask)) return DatExportResult::NoMask;
+  return ExportDatList(ctx, work, mask, iniFile, outputPath);
+}
+
+DatExportResult ExportDatList(AppContext& ctx, Work& work, const DatMask& mask,
+                              const std::string& iniFile, const std::string& outputPath) {
+  DatExportResult result = DatExportResult::Failed;
+  RunGuarded(ctx.log, kTrackExportDatList, [&] {
+    work.SetStatus(ctx.messages.Lng(140));
+    work.ProgressValue = 0;
+
+    // The games: those of the INI file, looked up whole, in its order; else all of them.
+    std::vector<int> games;
+    const std::string ini(TrimBlanks(iniFile));
+    if (!ini.empty() && FileExists(ini)) {
+      DataLineReader reader;
+      if (!reader.Open(ini)) throw Failure(75, "Path/File access error: can't read " + ini);
+      std::string_view raw;
+      while (reader.ReadLine(raw)) {
+        const std::string_view name = TrimBlanks(raw);
+        if (name.empty() || name.front() == '[') continue;
+        const int index = ctx.store.FindGame(name);
+        if (index > 0) games.push_back(index);
+      }
+    } else {
+      const int count = ctx.store.GameCount();
+      games.reserve(static_cast<size_t>(count > 0 ? count : 0));
+      for (int i = 1; i <= count; ++i) games.push_back(i);
+    }
+    if (work.CancelRequested) {
+      result = DatExportResult::Cancelled;
+      return;
+    }
+
+    work.ProgressMax = static_cast<long long>(games.size());
+    ListFile out;
+    if (!out.Create(outputPath)) {
+      throw Failure(75, "Path/File access error: can't create " + outputPath);
+    }
+    std::string head;
+    for (const std::string& line : mask.head) {
+      head += line;
+      head += "\r\n";
+    }
+    // The head ends in a line end and gets another, so an empty line follows it.
+    out.WriteLine(head);
+
+    GameDetailsLoader loader(ctx);
+    std::string name;
+    std::string block;
+    bool cancelled = false;
+    for (size_t k = 0; k < games.size(); ++k) {
+      work.ProgressValue = static_cast<long long>(k + 1);
+      if (work.CancelRequested) {
+        cancelled = true;
+        break;
+      }
+      name.clear();
+      const GameDetails d = loader.LoadGameDetails(name, games[k], true);
+      DatGameValues values;
+      values.name = d.RomName;
+      values.description = d.Description;
+      values.year = d.Year;
+      values.manufacturer = d.Manufacturer;
+      values.sourcefile = d.Driver;
+      values.cloneof = d.CloneOf;
+      values.romof = d.RomOf;
+      values.sampleof = d.SampleOf;
+      values.sample = d.Sample;
+      values.genre = d.Genre;
+      values.roms = &loader.RomList;
+      values.disks = &loader.DiskList;
+      block.clear();
+      AppendDatGame(block, mask, values);
+      out.Write(block);
+    }
+    if (!out.Close()) throw Failure(75, "Path/File access error: can't write " + outputPath);
+    result = cancelled ? DatExportResult::Cancelled : DatExportResult::Done;
+  });
+  return result;
 }
 
 std::string DatFileFilter(const Messages& messages) {

@@ -13,6 +13,8 @@
 #include "core/userinterface.h"
 #include "core/work.h"
 #include "lists/listfile.h"
+#include "sheet/gamedetails.h"
+#include "sheet/textdisplay.h"
 
 namespace tessarin {
 
@@ -72,69 +74,127 @@ constexpr std::array<ListFieldInfo, kListFieldCount> kFields = {{
     {"BiosSet", K::Multi},
 }};
 
-// Windows-1252's characters at 0x80 to 0x9F; the rest of the byte range is Latin-1. The five
-// holes of the code page keep their C1 code points, as the window's decoder does.
-constexpr char16_t kCp1252High[32] = {
-    0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
-    0x2039, 0x0152, 0x008D, 0x017D, 0x008F, 0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
-    0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
-
-bool IsValidUtf8(std::string_view s) {
-  size_t i = 0;
-  const size_t n = s.size();
-  while (i < n) {
-    const auto c = static_cast<unsigned char>(s[i]);
-    if (c < 0x80) {
-      ++i;
-      continue;
-    }
-    int extra = 0;
-    unsigned min = 0;
-    unsigned cp = 0;
-    if (c >= 0xC2 && c <= 0xDF) {
-      extra = 1;
-      cp = c & 0x1Fu;
-      min = 0x80;
-    } else if (c >= 0xE0 && c <= 0xEF) {
-      extra = 2;
-      cp = c & 0x0Fu;
-      min = 0x800;
-    } else if (c >= 0xF0 && c <= 0xF4) {
-      extra = 3;
-      cp = c & 0x07u;
-      min = 0x10000;
-    } else {
-      return false;
-    }
-    if (i + static_cast<size_t>(extra) >= n) return false;
-    for (int k = 1; k <= extra; ++k) {
-      const auto cc = static_cast<unsigned char>(s[i + static_cast<size_t>(k)]);
-      if ((cc & 0xC0u) != 0x80u) return false;
-      cp = (cp << 6) | (cc & 0x3Fu);
-    }
-    if (cp < min || cp > 0x10FFFF || (cp >= 0xD800 && cp <= 0xDFFF)) return false;
-    i += static_cast<size_t>(extra) + 1;
-  }
-  return true;
-}
-
-void AppendUtf8(std::string& out, char32_t cp) {
-  if (cp < 0x80) {
-    out += static_cast<char>(cp);
-  } else if (cp < 0x800) {
-    out += static_cast<char>(0xC0 | (cp >> 6));
-    out += static_cast<char>(0x80 | (cp & 0x3F));
-  } else {
-    out += static_cast<char>(0xE0 | (cp >> 12));
-    out += static_cast<char>(0x80 | ((cp >> 6) & 0x3F));
-    out += static_cast<char>(0x80 | (cp & 0x3F));
-  }
-}
-
 bool EndsWithNoCase(std::string_view name, std::string_view suffix) {
   if (name.size() < suffix.size()) return false;
   const std::string_view tail = name.substr(name.size() - suffix.size());
   return LowerCopy(tail) == suffix;
+}
+
+// The text of a field of kind Text; null for the other kinds.
+const std::string* TextField(const GameDetails& d, int position) {
+  switch (position) {
+    case 0:
+      return &d.RomName;
+    case 1:
+      return &d.Description;
+    case 2:
+      return &d.Year;
+    case 3:
+      return &d.CloneOf;
+    case 4:
+      return &d.RomOf;
+    case 5:
+      return &d.SampleOf;
+    case 6:
+      return &d.Manufacturer;
+    case 7:
+      return &d.Players;
+    case 8:
+      return &d.Genre;
+    case 9:
+      return &d.Category;
+    case 10:
+      return &d.VersionAdded;
+    case 12:
+      return &d.Bios;
+    case 16:
+      return &d.Screen;
+    case 17:
+      return &d.Orientation;
+    case 18:
+      return &d.Resolution;
+    case 19:
+      return &d.Refresh;
+    case 20:
+      return &d.SoundChannels;
+    case 21:
+      return &d.InputPlayers;
+    case 22:
+      return &d.Buttons;
+    case 23:
+      return &d.CoinSlots;
+    case 24:
+      return &d.ServiceButton;
+    case 25:
+      return &d.Control;
+    case 26:
+      return &d.TiltButton;
+    case 27:
+      return &d.DriverStatus;
+    case 28:
+      return &d.DriverColor;
+    case 29:
+      return &d.DriverSound;
+    case 30:
+      return &d.DriverPalettesize;
+    case 37:
+      return &d.Aspect;
+    case 38:
+      return &d.DriverEmulation;
+    case 39:
+      return &d.DriverGraphic;
+    case 40:
+      return &d.DriverCocktail;
+    case 41:
+      return &d.DriverProtection;
+    case 42:
+      return &d.DriverSavestate;
+    case 44:
+      return &d.Sample;
+    default:
+      return nullptr;
+  }
+}
+
+bool FlagField(const GameDetails& d, int position) {
+  switch (position) {
+    case 11:
+      return d.Mature;
+    case 31:
+      return d.GotIt;
+    case 32:
+      return d.CheatSupport;
+    case 34:
+      return d.HiscoreSupport;
+    case 43:
+      return d.Working;
+    // Long texts count by their presence: with presence-only details they hold a marker.
+    case 33:
+      return !d.Command.empty();
+    case 35:
+      return !d.History.empty();
+    case 36:
+      return !d.Mameinfo.empty();
+    default:
+      return false;
+  }
+}
+
+const DetailList* MultiField(const GameDetailsLoader& lists, int position) {
+  switch (position) {
+    case 13:
+      return &lists.RomList;
+    case 14:
+      return &lists.ChipList;
+    case 15:
+      return &lists.DipSwitchList;
+    case 45:
+      return &lists.DiskList;
+    case 46:
+      return &lists.BiosSetList;
+    default:
+      return nullptr;
+  }
 }
 
 }  // namespace
@@ -257,6 +317,110 @@ std::optional<TextListRequest> PrepareTextList(AppContext& ctx, const TextListCo
   return request;
 }
 
+void CollectListCells(const GameDetails& details, const GameDetailsLoader& lists,
+                      const ListSelection& selected, std::vector<std::string_view>& cells) {
+  cells.clear();
+  for (int i = 0; i < kListFieldCount; ++i) {
+    if (!selected[static_cast<size_t>(i)]) continue;
+    switch (kFields[static_cast<size_t>(i)].kind) {
+      case ListFieldKind::Text:
+        cells.emplace_back(*TextField(details, i));
+        break;
+      case ListFieldKind::YesNo:
+      case ListFieldKind::Present:
+        cells.emplace_back(FlagField(details, i) ? "True" : "False");
+        break;
+      case ListFieldKind::Multi: {
+        const DetailList& items = *MultiField(lists, i);
+        for (size_t k = 1; k < items.size(); ++k) {
+          const std::string_view item = items[k];
+          size_t start = 0;
+          for (;;) {
+            const size_t semi = item.find(';', start);
+            if (semi == std::string_view::npos) {
+              cells.push_back(item.substr(start));
+              break;
+            }
+            cells.push_back(item.substr(start, semi - start));
+            start = semi + 1;
+          }
+        }
+        break;
+      }
+    }
+  }
+}
+
+ListRunResult BuildTextList(AppContext& ctx, Work& work, const TextListRequest& request) {
+  ListRunResult result = ListRunResult::Failed;
+  RunGuarded(ctx.log, kTrackBuildTextList, [&] {
+    ListFile out;
+    if (!out.Create(request.outputPath)) {
+      throw Failure(75, "Path/File access error: can't create " + request.outputPath);
+    }
+    // Spreadsheets take a CSV file for UTF-8 only with the mark in front.
+    if (request.format.csv) out.Write("\xEF\xBB\xBF");
+    out.WriteLine(TextListHeader(request.selected, request.format));
+    work.SetStatus(ctx.messages.Lng(140));
+    work.ProgressValue = 0;
+
+    GameDetailsLoader loader(ctx);
+    std::vector<std::string_view> cells;
+    std::string line;
+    std::string name;
+    bool cancelled = false;
+    const auto writeGame = [&](const GameDetails& details) {
+      CollectListCells(details, loader, request.selected, cells);
+      FormatListLine(cells, request.format, line);
+      out.WriteLine(line);
+    };
+
+    const std::string iniFile(TrimBlanks(request.iniFile));
+    DataLineReader reader;
+    const bool useIni = !iniFile.empty() && FileExists(iniFile);
+    if (useIni && !reader.Open(iniFile)) {
+      throw Failure(75, "Path/File access error: can't read " + iniFile);
+    }
+    if (!useIni) {
+      const int count = ctx.store.GameCount();
+      work.ProgressMax = count;
+      for (int i = 1; i <= count; ++i) {
+        work.ProgressValue = i;
+        if (work.CancelRequested) {
+          cancelled = true;
+          break;
+        }
+        name.clear();
+        writeGame(loader.LoadGameDetails(name, i, true));
+      }
+    } else {
+      work.ProgressMax = reader.FileLength();
+      std::string_view raw;
+      while (reader.ReadLine(raw)) {
+        work.ProgressValue += static_cast<long long>(raw.size());
+        if (work.CancelRequested) {
+          cancelled = true;
+          break;
+        }
+        const std::string_view text = TrimBlanks(raw);
+        if (text.empty() || text.front() == '[') continue;
+        // The list dialog has always taken a name line's first eight characters.
+        name.assign(TrimBlanks(text.substr(0, 8)));
+        const GameDetails details = loader.LoadGameDetails(name, 0, true);
+        if (TrimBlanks(details.Description).empty() || TrimBlanks(details.RomName).empty()) {
+          continue;
+        }
+        writeGame(details);
+      }
+    }
+    if (!out.Close()) {
+      throw Failure(75, "Path/File access error: can't write " + request.outputPath);
+    }
+    result = cancelled ? ListRunResult::Cancelled : ListRunResult::Done;
+  });
+  return result;
+}
+
 std::string TextListHeader(const ListSelection& selected, const TextListFormat& format) {
   std::string header;
   if (format.csv) {
@@ -321,21 +485,6 @@ void AppendCsvCell(std::string& out, std::string_view cell, std::string_view sep
     out += c;
   }
   out += '"';
-}
-
-std::string DisplayUtf8(std::string_view bytes) {
-  if (IsValidUtf8(bytes)) return std::string(bytes);
-  std::string out;
-  out.reserve(bytes.size() + bytes.size() / 2);
-  for (const char ch : bytes) {
-    const auto byte = static_cast<unsigned char>(ch);
-    if (byte >= 0x80 && byte < 0xA0) {
-      AppendUtf8(out, kCp1252High[byte - 0x80]);
-    } else {
-      AppendUtf8(out, byte);
-    }
-  }
-  return out;
 }
 
 }  // namespace tessarin

@@ -9,9 +9,11 @@
 namespace tessarin {
 
 class AppContext;
+class GameDetailsLoader;
 class Messages;
 class Settings;
 class Work;
+struct GameDetails;
 
 // ---- the field table ----
 
@@ -113,6 +115,11 @@ ListRunResult BuildTextList(AppContext& ctx, Work& work, const TextListRequest& 
 
 // ---- the pieces of a line, for tests and other writers ----
 
+// The cells of one game's line in column order: a text as it stands, a flag or a presence as
+// True/False, and for a detail list every piece of every item. The views point into `details`
+// and the loader's lists.
+void CollectListCells(const GameDetails& details, const GameDetailsLoader& lists,
+                      const ListSelection& selected, std::vector<std::string_view>& cells);
 // The header line's text, without its line end.
 std::string TextListHeader(const ListSelection& selected, const TextListFormat& format);
 // A data line from its cells in column order, without its line end.
@@ -122,7 +129,5 @@ void FormatListLine(const std::vector<std::string_view>& cells, const TextListFo
 // quotes doubled; bytes that are not UTF-8 read as Windows-1252.
 void AppendCsvCell(std::string& out, std::string_view cell, std::string_view separator,
                    bool quoteAll);
-// Text as UTF-8: valid UTF-8 stays, anything else is read as Windows-1252.
-std::string DisplayUtf8(std::string_view bytes);
 
 }  // namespace tessarin

@@ -72,8 +72,8 @@ TEST(ParseDatMask, CommentsHeadAndBlock) {
       "game (\r\n\trom ( #rom_name )\r\n; comment\r\n\tdisk( #disk_name )\r\n)\r\n");
   EXPECT_TRUE(mask.hasStart);
   EXPECT_EQ(mask.head, (std::vector<std::string>{"clrmamepro (", "\tname x", ")"}));
-  EXPECT_EQ(mask.gameLines, (std::vector<std::string>{"game (", "\trom ( #rom_name )",
-                                                      "; comment", "\tdisk( #disk_name )", ")"}));
+  EXPECT_EQ(mask.gameLines, (std::vector<std::string>{"game (", "\trom ( #rom_name )", "; comment",
+                                                      "\tdisk( #disk_name )", ")"}));
   EXPECT_EQ(mask.romLine, 1);
   EXPECT_EQ(mask.diskLine, 3);
 }
@@ -169,7 +169,8 @@ TEST(FillDatGameLine, BiosGenreInAnyCaseMakesAResource) {
   EXPECT_EQ(line, "game (");
 }
 
-constexpr const char* kRomMask = "\trom ( #rom_name #rom_merge #rom_size #rom_crc #rom_sha1 #rom_flags )";
+constexpr const char* kRomMask =
+    "\trom ( #rom_name #rom_merge #rom_size #rom_crc #rom_sha1 #rom_flags )";
 constexpr const char* kDiskMask = "\tdisk ( #disk_name #disk_merge #disk_sha1 #disk_flags )";
 
 TEST(FillDatRomLine, WorkedExamples) {
@@ -194,7 +195,8 @@ TEST(FillDatRomLine, EmptyValuesGoWithTheirBlankButNotAtTheEnd) {
 TEST(FillDatDiskLine, PiecesOfTheDiskItem) {
   EXPECT_EQ(FillDatDiskLine(kDiskMask, "hdd;;0123sha;parenthdd;disks;0;baddump"),
             "\tdisk ( name hdd merge parenthdd sha1 0123sha flags baddump )");
-  EXPECT_EQ(FillDatDiskLine(kDiskMask, "hdd;;0123sha;;disks;0;"), "\tdisk ( name hdd sha1 0123sha )");
+  EXPECT_EQ(FillDatDiskLine(kDiskMask, "hdd;;0123sha;;disks;0;"),
+            "\tdisk ( name hdd sha1 0123sha )");
 }
 
 TEST(AppendDatGame, WorkedExampleWithTheDefaultMask) {
