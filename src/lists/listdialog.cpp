@@ -496,9 +496,8 @@ void ListDialog::BuildText() {
   ListRunResult result = ListRunResult::Failed;
   RunWithWorkingDialog(parentWidget(), m_ctx, m_ctx.messages.Lng(140),
                        [&](Work& work) { result = BuildTextList(m_ctx, work, *request); });
-  if (result != ListRunResult::Cancelled) {
-    m_ctx.Ui().ShowMessage(false, {}, {}, Icon::Information);
-  }
+  // A cancelled list ends quietly, and a failed one has told the log.
+  if (result == ListRunResult::Done) m_ctx.Ui().ShowMessage(false, {}, {}, Icon::Information);
   show();
 }
 
