@@ -78,7 +78,7 @@ struct TextListFormat {
   std::string separator = " ";
   std::string quote;  // `"` with quotation marks, else empty
   // RFC 4180 comma-separated values instead of the classic list: no separator behind the
-  // header, cells quoted only when they must be, texts as UTF-8.
+  // header, cells quoted only when they must be, texts as shown (UTF-8, XML entities resolved).
   bool csv = false;
 };
 
@@ -126,7 +126,8 @@ std::string TextListHeader(const ListSelection& selected, const TextListFormat& 
 void FormatListLine(const std::vector<std::string_view>& cells, const TextListFormat& format,
                     std::string& line);
 // A cell for CSV: quoted when it holds a comma, a quote, a CR or LF (or with `quoteAll`), its
-// quotes doubled; bytes that are not UTF-8 read as Windows-1252.
+// quotes doubled; bytes that are not UTF-8 read as Windows-1252, XML entities (&amp; &quot;...)
+// resolved.
 void AppendCsvCell(std::string& out, std::string_view cell, std::string_view separator,
                    bool quoteAll);
 

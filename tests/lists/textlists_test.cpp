@@ -193,6 +193,10 @@ TEST(TextListFormat, CsvTextsAreUtf8) {
   std::string line;
   FormatListLine({"Pok\xE9mon", "Caf\xC3\xA9", "\x80"}, TextListFormat{",", "", true}, line);
   EXPECT_EQ(line, "Pok\xC3\xA9mon,Caf\xC3\xA9,\xE2\x82\xAC");
+  // Entities the database keeps are resolved as the windows show them.
+  FormatListLine({"AT&amp;T", "&lt;unknown&gt;", "VEB &quot;Karl Marx&quot;"},
+                 TextListFormat{",", "", true}, line);
+  EXPECT_EQ(line, "AT&T,<unknown>,\"VEB \"\"Karl Marx\"\"\"");
   // The classic list keeps the bytes as they are.
   FormatListLine({"Pok\xE9mon"}, TextListFormat{",", "", false}, line);
   EXPECT_EQ(line, "Pok\xE9mon");
