@@ -297,6 +297,9 @@ TEST_F(ListDialogBuilds, BuildWritesTheListAndSaysDone) {
   list->item(2)->setSelected(true);
   dialog.ClickRadio(1);
   dialog.ToggleCheckBox(1);
+  // The HTML page's clone and availability switches don't touch a text list.
+  dialog.ToggleCheckBox(2);
+  dialog.ToggleCheckBox(3);
   home.ui.files.push_back(home.Path("dialog.txt"));
   home.ui.messages.clear();
   Click(dialog, "Command1");

@@ -118,6 +118,27 @@ TEST_F(BuiltHome, IniFileInItsOrderWithNamesCutToEight) {
             "diskgame;1995\r\n");
 }
 
+TEST_F(BuiltHome, IniProgressCountsLineLengthsWithoutLineEnds) {
+  TextListRequest request;
+  request.format = TextListFormat{";", "", false};
+  request.selected[0] = true;
+  request.iniFile = ListsFixture("names.ini");
+  request.outputPath = home.Path("p.txt");
+  Work work;
+  ASSERT_EQ(BuildTextList(home.ctx, work, request), ListRunResult::Done);
+  const std::string ini = ReadFile(ListsFixture("names.ini"));
+  long long lineEnds = 0;
+  for (const char c : ini) lineEnds += (c == '\r' || c == '\n') ? 1 : 0;
+  EXPECT_EQ(work.ProgressMax.load(), static_cast<long long>(ini.size()));
+  EXPECT_EQ(work.ProgressValue.load(), static_cast<long long>(ini.size()) - lineEnds);
+}
+
+TEST_F(BuiltHome, ANameHoldingTheSeparatorIsWrittenAsItStands) {
+  const std::string list =
+      BuildList(Select({"RomName", "GameName"}), TextListFormat{",", "", false});
+  EXPECT_NE(list.find("\r\nmyclone,My Game, The Clone\r\n"), std::string::npos) << list;
+}
+
 TEST_F(BuiltHome, MissingIniFileGivesEveryGame) {
   const std::string list =
       BuildList(Select({"RomName"}), TextListFormat{" ", "", false}, home.Path("missing.ini"));
