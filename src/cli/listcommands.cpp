@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <memory>
 
+#include "builder/datanalysers.h"
 #include "cli/session.h"
 #include "core/fileservices.h"
 #include "lists/datexport.h"
@@ -24,23 +25,10 @@ std::string AllFieldNames() {
 int FieldByName(std::string_view name) {
   const int exact = FindListField(name);
   if (exact >= 0) return exact;
-  const auto lower = [](std::string_view text) {
-    std::string out(text);
-    for (char& c : out) {
-      if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-    }
-    return out;
-  };
   for (int i = 0; i < kListFieldCount; ++i) {
-    if (lower(ListFields()[static_cast<size_t>(i)].name) == lower(name)) return i;
+    if (LowerCopy(ListFields()[static_cast<size_t>(i)].name) == LowerCopy(name)) return i;
   }
   return -1;
-}
-
-std::string_view Trimmed(std::string_view text) {
-  while (!text.empty() && text.front() == ' ') text.remove_prefix(1);
-  while (!text.empty() && text.back() == ' ') text.remove_suffix(1);
-  return text;
 }
 
 void AddList(CliRegistry& registry) {
@@ -65,7 +53,7 @@ void AddList(CliRegistry& registry) {
             size_t comma = o->fields.find(',', start);
             if (comma == std::string::npos) comma = o->fields.size();
             const std::string_view name =
-                Trimmed(std::string_view(o->fields).substr(start, comma - start));
+                TrimBlanks(std::string_view(o->fields).substr(start, comma - start));
             if (!name.empty()) {
               const int index = FieldByName(name);
               if (index < 0) {
@@ -108,7 +96,7 @@ void AddList(CliRegistry& registry) {
         request.format.quote = o->quotes ? "\"" : "";
         request.iniFile = o->ini;
         request.outputPath = o->out;
-        if (!o->ini.empty() && !FileExists(std::string(Trimmed(o->ini)))) {
+        if (!o->ini.empty() && !FileExists(std::string(TrimBlanks(o->ini)))) {
           session.Error("No INI file at " + o->ini);
           return kExitUsage;
         }
@@ -160,7 +148,7 @@ void AddDat(CliRegistry& registry) {
       "Write a rom manager's data file through dat_mask.dat of the application folder "
       "(written with the clrmamepro format when missing)",
       [o](CliSession& session) {
-        if (!o->ini.empty() && !FileExists(std::string(Trimmed(o->ini)))) {
+        if (!o->ini.empty() && !FileExists(std::string(TrimBlanks(o->ini)))) {
           session.Error("No INI file at " + o->ini);
           return kExitUsage;
         }
