@@ -29,6 +29,7 @@ int RunCli(int argc, char** argv, const std::string& executableFolder) {
   RegisterPageCommands(registry);
   RegisterSheetCommands(registry);
   RegisterTranslateCommands(registry);
+  RegisterListCommands(registry);
 
   try {
     app.parse(argc, argv);

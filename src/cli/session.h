@@ -85,5 +85,6 @@ void RegisterUpdateCommands(CliRegistry& registry);
 void RegisterPageCommands(CliRegistry& registry);
 void RegisterSheetCommands(CliRegistry& registry);
 void RegisterTranslateCommands(CliRegistry& registry);
+void RegisterListCommands(CliRegistry& registry);
 
 }  // namespace tessarin

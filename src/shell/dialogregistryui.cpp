@@ -6,6 +6,7 @@
 #include "builder/downloadsites.h"
 #include "layouts/layoutsdialog.h"
 #include "online/updatedialog.h"
+#include "lists/listdialog.h"
 #include "shell/mainframe.h"
 #include "translate/translatedialog.h"
 
@@ -20,6 +21,7 @@ void RegisterSubsystemDialogs(MainFrame& frame) {
         DownloadListFromTables(f.Sites().Tables, f.Sites().Reload, f.Sites().Write));
   });
   frame.RegisterPanelDialog(4, [](MainFrame& f) { return new TranslateDialog(&f, f.Context()); });
+  frame.RegisterPanelDialog(2, [](MainFrame& f) { return new ListDialog(&f, f.Context()); });
   frame.RegisterPanelDialog(5, [](MainFrame& f) { return new ZipToolsDialog(&f, f.Context()); });
   const auto refreshPanel = [&frame] {
     if (frame.Panel()) frame.Panel()->RefreshDatabaseLabel();
