@@ -18,9 +18,24 @@ namespace {
 // The progress of a search runs to 140, as the dialog has always counted it.
 constexpr int kSearchSteps = 140;
 
-bool Contains(std::string_view haystack, std::string_view needle) {
-  if (needle.size() > haystack.size()) return false;
-  return memmem(haystack.data(), haystack.size(), needle.data(), needle.size()) != nullptr;
+// The first position of a needle of at least two bytes that opens with ';' and a tag letter.
+// Records hold a ';' every few bytes but few capitals, so the scan runs on the tag letter with
+// memchr and looks back for the ';'; the hits come in order, so the first one is the first.
+size_t FindTagged(std::string_view haystack, std::string_view needle, size_t from = 0) {
+  const size_t n = needle.size();
+  if (n > haystack.size()) return std::string_view::npos;
+  const char* base = haystack.data();
+  const char* last = base + haystack.size() - n + 1;  // the tag letter of the last start
+  const char* p = base + from + 1;
+  while (p < last + 1) {
+    p = static_cast<const char*>(memchr(p, needle[1], static_cast<size_t>(last + 1 - p)));
+    if (!p) return std::string_view::npos;
+    if (p[-1] == needle[0] && std::memcmp(p + 1, needle.data() + 2, n - 2) == 0) {
+      return static_cast<size_t>(p - 1 - base);
+    }
+    ++p;
+  }
+  return std::string_view::npos;
 }
 
 // Letters are lower-cased in ASCII only: the texts are bytes (UTF-8 in today's lists), and a
@@ -53,7 +68,7 @@ std::string Trimmed(std::string_view text) {
 // tag is read from its start, as every reader of a missing field does (position 0, so the
 // second character); a tag at the very end gives no character.
 int FlagCharacter(std::string_view record, std::string_view tag) {
-  const size_t at = record.find(tag);
+  const size_t at = FindTagged(record, tag);
   const size_t index = at == std::string_view::npos ? 1 : at + 2;
   return index < record.size() ? static_cast<unsigned char>(record[index]) : -1;
 }
@@ -61,9 +76,10 @@ int FlagCharacter(std::string_view record, std::string_view tag) {
 // The description slice the keyword looks at: behind the first ";B" up to the first ";C" after
 // it (to the end when none follows). A record without ";B" is read from its second character.
 std::string_view DescriptionSlice(std::string_view record) {
-  const size_t b = record.find(";B");
+  const size_t b = FindTagged(record, ";B");
   const size_t start = b == std::string_view::npos ? std::min<size_t>(1, record.size()) : b + 2;
-  const size_t c = record.find(";C", start);
+  const size_t c =
+      start <= record.size() ? FindTagged(record, ";C", start) : std::string_view::npos;
   return record.substr(start, c == std::string_view::npos ? std::string_view::npos : c - start);
 }
 
@@ -147,13 +163,13 @@ bool Meets(const PreparedSearch& p, std::string_view record, std::string& scratc
     if (FlagCharacter(record, ";V") != (p.savestate == 1 ? '1' : '2')) return false;
   }
   for (const std::string& needle : p.needles) {
-    if (!Contains(record, needle)) return false;
+    if (FindTagged(record, needle) == std::string_view::npos) return false;
   }
   if (!p.keyword.empty()) {
     LowerInto(RomNameOf(record), scratch);
-    if (!Contains(scratch, p.keyword)) {
+    if (std::string_view(scratch).find(p.keyword) == std::string_view::npos) {
       LowerInto(DescriptionSlice(record), scratch);
-      if (!Contains(scratch, p.keyword)) return false;
+      if (std::string_view(scratch).find(p.keyword) == std::string_view::npos) return false;
     }
   }
   return true;
