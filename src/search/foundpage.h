@@ -3,6 +3,7 @@
 // The HTML page of a game that the search dialog's Show opens when HTML is ticked.
 
 #include <string>
+#include <vector>
 
 #include "search/searchhooks.h"
 
@@ -15,6 +16,10 @@ enum class FoundPageResult {
   CantUnzipSkin,  // the skin archive couldn't be unpacked (message 143)
   NoPageRoutine,  // the program has no page routine to fill the template with
 };
+
+// The skins of Combo18: every folder "HTML/*.skin" and every file "HTML/*.skin.zip" of the
+// program folder, by name.
+std::vector<std::string> ListSkins(const std::string& appFolder);
 
 // Builds TempFolder + "Found.htm" for `romName` from the skin `skinName` (the text of Combo18;
 // empty for "HTML/search.htm"), copying the skin's "search*.*" pictures beside it when the skin is
