@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QByteArray>
 #include <random>
 
 #include "app/context.h"
@@ -391,6 +392,35 @@ TEST(EngineRandom, FastEqualsPlainOnRandomDatabases) {
     searchtest::RandomStore(store, seed, 300);
     const SearchLists lists = FillSearchLists(store, holder.ctx().messages);
     CompareOnStore(store, lists.Items[17], 300, seed);
+  }
+}
+
+// On a real database when one is named (TESSARIN_REAL_HOME, an application folder with
+// DataFiles/index): the same comparison with criteria drawn from its own tables.
+TEST(EngineReal, FastEqualsPlainOnARealDatabase) {
+  const QByteArray home = qgetenv("TESSARIN_REAL_HOME");
+  if (home.isEmpty()) GTEST_SKIP() << "TESSARIN_REAL_HOME not set";
+  searchtest::ContextHolder holder;
+  GameStore& store = holder.ctx().store;
+  ASSERT_TRUE(LoadIndex(store, holder.ctx().log, IndexFilePath(home.toStdString())));
+  const SearchLists lists = FillSearchLists(store, holder.ctx().messages);
+  std::mt19937 rng(2026);
+  for (int round = 0; round < 60; ++round) {
+    const SearchCriteria c = RandomCriteria(rng, store);
+    ASSERT_EQ(SearchGames(store, c), plain::SearchGames(store, c)) << "round " << round;
+  }
+  // The union against one full search per version: a few rounds, each is slow on purpose.
+  for (const char* version : {"0.135", "0.262", "0.100"}) {
+    SearchCriteria c;
+    if (std::string(version) == "0.100") c.Clones = 2;
+    const double reference = VersionNumber(version);
+    for (const bool below : {true, false}) {
+      const SearchResult fast =
+          SearchVersionUnion(store, c, lists.Items[17], below, reference, "All");
+      ASSERT_EQ(fast, plain::VersionUnion(store, c, lists.Items[17], below, reference, "All"))
+          << version << (below ? " <" : " >");
+      EXPECT_FALSE(fast.empty() && below && reference > 100);
+    }
   }
 }
 
