@@ -415,7 +415,9 @@ void SearchDialog::Unload() {
 }
 
 void SearchDialog::closeEvent(QCloseEvent* event) {
-  if (!m_ctx.SearchMayClose) {
+  // Once unloaded it stays unloaded: a second close (the frame closing every dialog) must not
+  // hide it again and bring the panel back.
+  if (!m_unloaded && !m_ctx.SearchMayClose) {
     // Kept for the next opening: its lists and results stay.
     event->ignore();
     hide();
@@ -575,8 +577,8 @@ void SearchDialog::ShowGameFromList(const std::string& romName) {
   }
   std::string page;
   const FoundPageResult result =
-      ShowFoundPage(m_ctx, SearchGamePageHooks(), FromQt(m_combo[18]->currentText()),
-                    romName.empty() ? std::string("Dummy") : romName, m_online->isChecked(), page);
+      ShowFoundPage(m_ctx, SearchGamePageHooks(), FromQt(m_combo[18]->currentText()), romName,
+                    m_online->isChecked(), page);
   switch (result) {
     case FoundPageResult::Written:
       m_ctx.Ui().OpenDocument(page);

@@ -273,6 +273,9 @@ TEST_F(Dialog, CloseHidesWhileTheSearchMayNotCloseAndKeepsTheResults) {
   EXPECT_EQ(Ctx().settings.InfRead("Frm6nSearch"), "1");
   EXPECT_NE(Ctx().settings.InfRead("Form6Top"), "-1");
   EXPECT_EQ(Ctx().settings.InfRead("Form6ImagesOnline"), "");
+  // A second close of an unloaded dialog doesn't hide it again and bring the panel back.
+  m_dialog->close();
+  EXPECT_EQ(m_panelShown, 1);
 }
 
 TEST_F(Dialog, HtmlCheckRulesTheSkinAndOnlineBoxes) {
