@@ -425,7 +425,8 @@ void SearchDialog::closeEvent(QCloseEvent* event) {
     return;
   }
   Unload();
-  QDialog::closeEvent(event);
+  // Not QDialog::closeEvent: it would go through reject(), which comes back here.
+  event->accept();
 }
 
 void SearchDialog::reject() {

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QAction>
 #include <QApplication>
 #include <QCheckBox>
 #include <QClipboard>
@@ -15,6 +16,7 @@
 #include <QLineEdit>
 #include <QListView>
 #include <QMouseEvent>
+#include <QPointer>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QTest>
@@ -26,6 +28,10 @@
 #include "online/urllist.h"
 #include "search/foundpage.h"
 #include "searchtestsupport.h"
+#include "shell/desktopshellui.h"
+#include "shell/mainframe.h"
+#include "shell/startup.h"
+#include "widgets/desktopui.h"
 
 namespace tessarin {
 namespace {
@@ -269,6 +275,7 @@ TEST_F(Dialog, CloseHidesWhileTheSearchMayNotCloseAndKeepsTheResults) {
   Ctx().SearchMayClose = true;
   m_dialog->close();
   EXPECT_FALSE(Ctx().SearchMayClose);
+  EXPECT_TRUE(m_dialog->isHidden());
   EXPECT_EQ(Ctx().settings.InfRead("Form6HTML"), "1");
   EXPECT_EQ(Ctx().settings.InfRead("Frm6nSearch"), "1");
   EXPECT_NE(Ctx().settings.InfRead("Form6Top"), "-1");
@@ -276,6 +283,20 @@ TEST_F(Dialog, CloseHidesWhileTheSearchMayNotCloseAndKeepsTheResults) {
   // A second close of an unloaded dialog doesn't hide it again and bring the panel back.
   m_dialog->close();
   EXPECT_EQ(m_panelShown, 1);
+}
+
+TEST_F(Dialog, EscapeClosesByTheSameRule) {
+  Open();
+  QTest::keyClick(m_dialog.get(), Qt::Key_Escape);
+  EXPECT_TRUE(m_dialog->isHidden());
+  EXPECT_EQ(m_panelShown, 1);
+  EXPECT_EQ(Ctx().settings.InfRead("Form6Top"), "-1");  // hidden, not unloaded
+  m_dialog->show();
+  Ctx().SearchMayClose = true;
+  QTest::keyClick(m_dialog.get(), Qt::Key_Escape);
+  EXPECT_TRUE(m_dialog->isHidden());
+  EXPECT_EQ(m_panelShown, 1);
+  EXPECT_NE(Ctx().settings.InfRead("Form6Top"), "-1");
 }
 
 TEST_F(Dialog, HtmlCheckRulesTheSkinAndOnlineBoxes) {
@@ -529,6 +550,58 @@ TEST_F(Dialog, FortyThousandLinesShowAtOnce) {
   Child<QListView>("List1")->scrollToBottom();
   QApplication::processEvents();
   Shot(m_dialog.get(), QStringLiteral("form6_40000"));
+}
+
+}  // namespace
+}  // namespace tessarin
+
+namespace tessarin {
+namespace {
+
+bool WaitUntil(const std::function<bool()>& done) {
+  for (int i = 0; i < 200 && !done(); ++i) QTest::qWait(10);
+  return done();
+}
+
+// The dialog in the real frame: opened from the panel, hidden by its close while the search may
+// not close (panel back, results kept), shown again from the menu, let go when the frame closes.
+TEST(DialogInFrame, PanelMenuHideAndFrameClose) {
+  TempFolder folder;
+  AppContext ctx(folder.Path());
+  QtUserInterface ui(ctx);
+  ctx.SetUi(&ui);
+  ShellSession session;
+  UrlTables sites;
+  WriteFile(folder / "Tessarin.inf", "Language=1\r\nMDIState=0\r\n");
+  fs::create_directories(folder.Path() + "DataFiles");
+  WriteFile(folder / "DataFiles/index", ReadFile(searchtest::SearchFixture("index")));
+  std::unique_ptr<MainFrame> frame = StartDesktop(ctx, session, ui, sites);
+  ASSERT_NE(frame, nullptr);
+  QTest::qWait(50);
+  ASSERT_TRUE(frame->PanelEntryAvailable(0));
+  frame->RunEntry(0);
+  QPointer<SearchDialog> dialog;
+  ASSERT_TRUE(WaitUntil([&] {
+    dialog = frame->findChild<SearchDialog*>(QStringLiteral("Form6"));
+    return dialog && dialog->isVisible();
+  }));
+  EXPECT_TRUE(WaitUntil([&] { return frame->Panel() == nullptr; }));
+  dialog->findChild<QLineEdit*>(QStringLiteral("Text1"))->setText(QStringLiteral("street"));
+  dialog->RunSearch();
+  EXPECT_EQ(dialog->Lines().size(), 2u);
+  dialog->close();
+  EXPECT_TRUE(dialog->isHidden());
+  EXPECT_TRUE(WaitUntil([&] { return frame->Panel() != nullptr; }));
+  frame->findChild<QAction*>(QStringLiteral("MnuRecherche"))->trigger();
+  EXPECT_TRUE(WaitUntil([&] { return dialog->isVisible(); }));
+  EXPECT_EQ(dialog->Lines().size(), 2u);
+  EXPECT_EQ(frame->findChildren<SearchDialog*>().size(), 1);
+  EXPECT_TRUE(WaitUntil([&] { return frame->Panel() == nullptr; }));
+  frame->close();
+  EXPECT_TRUE(WaitUntil([&] { return dialog.isNull(); }));
+  EXPECT_FALSE(ctx.SearchMayClose);
+  frame.reset();
+  ctx.SetUi(nullptr);
 }
 
 }  // namespace
