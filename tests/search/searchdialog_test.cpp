@@ -300,7 +300,12 @@ TEST_F(Dialog, EscapeClosesByTheSameRule) {
 }
 
 TEST_F(Dialog, HtmlCheckRulesTheSkinAndOnlineBoxes) {
+  fs::create_directories(Ctx().AppFolder() + "HTML/Blue.skin");
+  WriteFile(Ctx().AppFolder() + "HTML/Default_EN.skin.zip", "zip");
+  Ctx().settings.InfWrite("Frm7Skin", "Default_EN.skin.zip");
   Open();
+  EXPECT_EQ(Combo(18)->count(), 2);
+  EXPECT_EQ(Combo(18)->currentText(), QStringLiteral("Default_EN.skin.zip"));
   auto* html = Child<QCheckBox>("Chk1");
   EXPECT_FALSE(html->isChecked());
   EXPECT_FALSE(Combo(18)->isEnabled());
