@@ -1,7 +1,5 @@
 #include "search/searchengine.h"
 
-#include <string.h>  // memmem
-
 #include <algorithm>
 #include <charconv>
 #include <cstring>
@@ -23,7 +21,7 @@ constexpr int kSearchSteps = 140;
 // memchr and looks back for the ';'; the hits come in order, so the first one is the first.
 size_t FindTagged(std::string_view haystack, std::string_view needle, size_t from = 0) {
   const size_t n = needle.size();
-  if (n > haystack.size()) return std::string_view::npos;
+  if (n > haystack.size() || from > haystack.size() - n) return std::string_view::npos;
   const char* base = haystack.data();
   const char* last = base + haystack.size() - n + 1;  // the tag letter of the last start
   const char* p = base + from + 1;
@@ -208,11 +206,9 @@ void VersionNeedlesIn(std::string_view record, std::vector<int>& positions) {
   positions.clear();
   size_t from = 0;
   while (true) {
-    const void* hit = from < record.size()
-                          ? memmem(record.data() + from, record.size() - from, ";K", 2)
-                          : nullptr;
-    if (!hit) return;
-    const size_t at = static_cast<size_t>(static_cast<const char*>(hit) - record.data());
+    const size_t at =
+        from < record.size() ? FindTagged(record, ";K", from) : std::string_view::npos;
+    if (at == std::string_view::npos) return;
     from = at + 1;
     size_t i = at + 2;
     if (i >= record.size() || record[i] < '1' || record[i] > '9') continue;
