@@ -54,6 +54,22 @@ void LowerInto(std::string_view text, std::string& out) {
   }
 }
 
+// True when `text`, lower-cased, holds `lowered` (already lower-cased). Compares in place, with no
+// lowered copy of the text.
+bool ContainsLowered(std::string_view text, std::string_view lowered) {
+  const size_t n = lowered.size();
+  if (n > text.size()) return false;
+  const char first = lowered[0];
+  const size_t last = text.size() - n;
+  for (size_t i = 0; i <= last; ++i) {
+    if (kLower[static_cast<unsigned char>(text[i])] != first) continue;
+    size_t j = 1;
+    while (j < n && kLower[static_cast<unsigned char>(text[i + j])] == lowered[j]) ++j;
+    if (j == n) return true;
+  }
+  return false;
+}
+
 std::string Trimmed(std::string_view text) {
   size_t begin = 0;
   size_t end = text.size();
@@ -144,7 +160,7 @@ PreparedSearch Prepare(const GameStore& store, const SearchCriteria& c, bool wit
 }
 
 // True when the record meets every prepared criterion.
-bool Meets(const PreparedSearch& p, std::string_view record, std::string& scratch) {
+bool Meets(const PreparedSearch& p, std::string_view record) {
   if (p.available != 0) {
     const bool present = !record.empty() && record.back() == '*';
     if (present != (p.available == 1)) return false;
@@ -164,10 +180,9 @@ bool Meets(const PreparedSearch& p, std::string_view record, std::string& scratc
     if (FindTagged(record, needle) == std::string_view::npos) return false;
   }
   if (!p.keyword.empty()) {
-    LowerInto(RomNameOf(record), scratch);
-    if (std::string_view(scratch).find(p.keyword) == std::string_view::npos) {
-      LowerInto(DescriptionSlice(record), scratch);
-      if (std::string_view(scratch).find(p.keyword) == std::string_view::npos) return false;
+    if (!ContainsLowered(RomNameOf(record), p.keyword) &&
+        !ContainsLowered(DescriptionSlice(record), p.keyword)) {
+      return false;
     }
   }
   return true;
@@ -190,11 +205,10 @@ SearchResult RunPrepared(const GameStore& store, const PreparedSearch& p, Work* 
     if (work) work->ProgressValue = kSearchSteps;
     return result;
   }
-  std::string scratch;
   const int stride = std::max(1, count / 13);
   for (int i = 1; i <= count; ++i) {
     if (work && i % stride == 0) work->ProgressValue = 10 * (i / stride);
-    if (Meets(p, store.GameRecords[static_cast<size_t>(i)], scratch)) result.push_back(i);
+    if (Meets(p, store.GameRecords[static_cast<size_t>(i)])) result.push_back(i);
   }
   if (work) work->ProgressValue = kSearchSteps;
   return result;
