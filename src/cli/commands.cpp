@@ -30,6 +30,7 @@ int RunCli(int argc, char** argv, const std::string& executableFolder) {
   RegisterSheetCommands(registry);
   RegisterTranslateCommands(registry);
   RegisterListCommands(registry);
+  RegisterSearchCommands(registry);
 
   try {
     app.parse(argc, argv);

@@ -86,5 +86,6 @@ void RegisterPageCommands(CliRegistry& registry);
 void RegisterSheetCommands(CliRegistry& registry);
 void RegisterTranslateCommands(CliRegistry& registry);
 void RegisterListCommands(CliRegistry& registry);
+void RegisterSearchCommands(CliRegistry& registry);
 
 }  // namespace tessarin

@@ -7,6 +7,7 @@
 #include "layouts/layoutsdialog.h"
 #include "online/updatedialog.h"
 #include "lists/listdialog.h"
+#include "search/searchdialog.h"
 #include "shell/mainframe.h"
 #include "translate/translatedialog.h"
 
@@ -34,6 +35,14 @@ void RegisterSubsystemDialogs(MainFrame& frame) {
   };
   frame.RegisterMenuDialog(QStringLiteral("MnuAtomicLayouts"),
                            [](MainFrame& f) { return new LayoutsDialog(&f, f.Context()); });
+  frame.RegisterPanelDialog(0, [](MainFrame& f) {
+    return SearchDialog::Create(
+        &f, f.Context(), f.Sites().Tables, [&f] { f.ShowPanel(); }, [&f] { f.UnloadPanel(); });
+  });
+  frame.RegisterMenuDialog(QStringLiteral("MnuRecherche"), [](MainFrame& f) {
+    return SearchDialog::Create(
+        &f, f.Context(), f.Sites().Tables, [&f] { f.ShowPanel(); }, [&f] { f.UnloadPanel(); });
+  });
 }
 
 }  // namespace tessarin
