@@ -81,5 +81,6 @@ class CliRegistry final {
 // The command groups, one file of src/cli each.
 void RegisterDatabaseCommands(CliRegistry& registry);
 void RegisterSettingsCommands(CliRegistry& registry);
+void RegisterImageCommands(CliRegistry& registry);
 
 }  // namespace tessarin
