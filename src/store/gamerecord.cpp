@@ -96,6 +96,7 @@ const CodeTable& GameStore::Table(TableId id) const {
 }
 
 int GameStore::AppendGame(std::string name, std::string record) {
+  ++m_generation;
   const int index = static_cast<int>(m_names.size());
   if (HasEndRecord()) {
     GameRecords.insert(GameRecords.end() - 1, std::move(record));
@@ -111,6 +112,7 @@ int GameStore::AppendGame(std::string name, std::string record) {
 }
 
 void GameStore::SetEndRecord(std::string record) {
+  ++m_generation;
   if (HasEndRecord()) {
     GameRecords.back() = std::move(record);
     return;
@@ -120,6 +122,7 @@ void GameStore::SetEndRecord(std::string record) {
 }
 
 void GameStore::Clear() {
+  ++m_generation;
   GameRecords.assign(1, std::string());
   m_names.assign(1, std::string());
   m_index.clear();

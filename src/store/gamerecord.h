@@ -79,6 +79,10 @@ class GameStore final {
   // The first game of that exact, case-sensitive name; 0 when there is none.
   int FindGame(std::string_view name) const;
 
+  // Changes whenever games are added or the store is emptied (a new build or load), so that a
+  // reader can tell that an index it built over the records is out of date.
+  unsigned long long Generation() const { return m_generation; }
+
  private:
   struct NameHash {
     using is_transparent = void;
@@ -87,6 +91,7 @@ class GameStore final {
     }
   };
   std::vector<std::string> m_names;
+  unsigned long long m_generation = 0;
   std::unordered_map<std::string, int, NameHash, std::equal_to<>> m_index;
 };
 
