@@ -18,13 +18,19 @@ namespace {
 
 std::string KindSettingKey(std::string_view kind) { return std::string(kind) + "Path"; }
 
-// Takes `name` out of the open zip into `tempFolder`; a copy left there by an earlier sheet is
-// removed first, so that a picture of another kind never stands in for a missing one.
-void ExtractFromZip(ZipExtractionClass& zip, const std::string& name,
-                    const std::string& tempFolder) {
+// Takes `name` out of the open zip into `tempFolder` and gives the path of the file written
+// (the entry's own spelling of the name), or the empty text. A copy left there by an earlier
+// sheet is removed first, so that a picture of another kind never stands in for a missing one.
+std::string ExtractFromZip(ZipExtractionClass& zip, const std::string& name,
+                           const std::string& tempFolder) {
   KillQuiet(tempFolder + name);
   const int entry = zip.FindEntry(name);
-  if (entry != 0) zip.ExtractSingleFile(entry, tempFolder, false, true);
+  if (entry == 0) return {};
+  const std::string stored = zip.filename(entry);
+  const std::string target = tempFolder + stored.substr(stored.find_last_of('\\') + 1);
+  if (target != tempFolder + name) KillQuiet(target);
+  zip.ExtractSingleFile(entry, tempFolder, false, true);
+  return FileExists(target) ? target : std::string();
 }
 
 }  // namespace
@@ -54,22 +60,19 @@ ArtworkFile FindArtwork(const Settings& settings, const std::string& appFolder,
   const std::string zipPath = result.folder + std::string(kind) + ".zip";
   if (!FileExists(zipPath) || tempFolder.empty()) return result;
   const std::string temp = AddSlash(tempFolder);
+  std::string romExtracted, parentExtracted;
   try {
     ZipExtractionClass zip;
     if (zip.ZipOpen(zipPath)) {
-      ExtractFromZip(zip, romFile, temp);
+      romExtracted = ExtractFromZip(zip, romFile, temp);
       if (progress) progress(20);
-      ExtractFromZip(zip, parentFile, temp);
+      parentExtracted = ExtractFromZip(zip, parentFile, temp);
       if (progress) progress(30);
     }
   } catch (...) {
     // A zip that can't be read leaves the sheet without a picture, which it shows as such.
   }
-  if (FileExists(temp + romFile)) {
-    result.path = temp + romFile;
-  } else if (FileExists(temp + parentFile)) {
-    result.path = temp + parentFile;
-  }
+  result.path = !romExtracted.empty() ? romExtracted : parentExtracted;
   result.fromZip = !result.path.empty();
   return result;
 }
