@@ -1,6 +1,8 @@
 #include "sheet/artwork.h"
 
+#include <filesystem>
 #include <string>
+#include <system_error>
 
 #include "archive/zipreader.h"
 #include "core/fileservices.h"
@@ -35,6 +37,44 @@ std::string ExtractFromZip(ZipExtractionClass& zip, const std::string& name,
 
 }  // namespace
 
+struct ArtworkZipCache::Item {
+  std::string path;
+  std::uintmax_t size = 0;
+  std::filesystem::file_time_type time;
+  ZipExtractionClass zip;
+};
+
+ArtworkZipCache::ArtworkZipCache() = default;
+ArtworkZipCache::~ArtworkZipCache() = default;
+
+void ArtworkZipCache::Clear() { m_items.clear(); }
+
+ZipExtractionClass* ArtworkZipCache::Open(const std::string& path) {
+  std::error_code ec;
+  const std::filesystem::path fsPath = FsPath(path);
+  const std::uintmax_t size = std::filesystem::file_size(fsPath, ec);
+  if (ec) return nullptr;
+  const std::filesystem::file_time_type time = std::filesystem::last_write_time(fsPath, ec);
+  if (ec) return nullptr;
+  for (auto it = m_items.begin(); it != m_items.end(); ++it) {
+    if ((*it)->path != path) continue;
+    if ((*it)->size == size && (*it)->time == time && (*it)->zip.ZipIsOpen()) {
+      return &(*it)->zip;
+    }
+    m_items.erase(it);
+    break;
+  }
+  auto item = std::make_unique<Item>();
+  item->path = path;
+  item->size = size;
+  item->time = time;
+  if (!item->zip.ZipOpen(path)) return nullptr;
+  // Six kinds, six zips at most are worth keeping.
+  if (m_items.size() >= 6) m_items.erase(m_items.begin());
+  m_items.push_back(std::move(item));
+  return &m_items.back()->zip;
+}
+
 std::string ArtworkFolderSetting(const Settings& settings, std::string_view kind) {
   std::string value = settings.InfRead(KindSettingKey(kind));
   return value == "-1" ? std::string() : value;
@@ -43,7 +83,7 @@ std::string ArtworkFolderSetting(const Settings& settings, std::string_view kind
 ArtworkFile FindArtwork(const Settings& settings, const std::string& appFolder,
                         const std::string& tempFolder, const std::string& rom,
                         const std::string& parent, std::string_view kind,
-                        const std::function<void(int percent)>& progress) {
+                        const std::function<void(int percent)>& progress, ArtworkZipCache* zips) {
   ArtworkFile result;
   const std::string setting = ArtworkFolderSetting(settings, kind);
   result.folder = AddSlash(setting.empty() ? appFolder : setting);
@@ -62,11 +102,17 @@ ArtworkFile FindArtwork(const Settings& settings, const std::string& appFolder,
   const std::string temp = AddSlash(tempFolder);
   std::string romExtracted, parentExtracted;
   try {
-    ZipExtractionClass zip;
-    if (zip.ZipOpen(zipPath)) {
-      romExtracted = ExtractFromZip(zip, romFile, temp);
+    ZipExtractionClass own;
+    ZipExtractionClass* zip = nullptr;
+    if (zips != nullptr) {
+      zip = zips->Open(zipPath);
+    } else if (own.ZipOpen(zipPath)) {
+      zip = &own;
+    }
+    if (zip != nullptr) {
+      romExtracted = ExtractFromZip(*zip, romFile, temp);
       if (progress) progress(20);
-      parentExtracted = ExtractFromZip(zip, parentFile, temp);
+      parentExtracted = ExtractFromZip(*zip, parentFile, temp);
       if (progress) progress(30);
     }
   } catch (...) {

@@ -1,14 +1,18 @@
 #pragma once
 
 #include <array>
+#include <cstdint>
 #include <functional>
+#include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace tessarin {
 
 class Log;
 class Messages;
+class ZipExtractionClass;
 class Settings;
 class Work;
 struct UrlTables;
@@ -21,6 +25,26 @@ inline constexpr std::array<std::string_view, 6> kArtworkKinds = {"Titles",   "S
 // The kind's folder setting as stored, with "-1" read as empty.
 std::string ArtworkFolderSetting(const Settings& settings, std::string_view kind);
 
+// The directories of the picture zips a run has read, kept open so that the next sheet finds its
+// entry at once instead of reading a directory of tens of thousands of names again. A zip that
+// changed on disk (size or time) is read again.
+class ArtworkZipCache final {
+ public:
+  ArtworkZipCache();
+  ~ArtworkZipCache();
+  ArtworkZipCache(const ArtworkZipCache&) = delete;
+  ArtworkZipCache& operator=(const ArtworkZipCache&) = delete;
+
+  // The open zip at `path`; null when it can't be opened.
+  ZipExtractionClass* Open(const std::string& path);
+  // Closes every zip (so that the files can be replaced).
+  void Clear();
+
+ private:
+  struct Item;
+  std::vector<std::unique_ptr<Item>> m_items;
+};
+
 // Where a sheet's picture was found.
 struct ArtworkFile {
   std::string folder;  // the kind's folder (the program folder when unset), final separator
@@ -32,12 +56,14 @@ struct ArtworkFile {
 // when <folder><kind>.zip exists, the same two names taken from the zip (a hash look-up of the
 // entry, without regard to case) and written into `tempFolder`. A zip is opened only when
 // neither loose file exists. `progress` (may be null) hears 20 after the rom's entry and 30
-// after the parent's. An empty `parent` looks for ".png", as a game without a parent name does.
-// Never throws; a broken zip gives no picture.
+// after the parent's. With `zips` the zip's directory is read once and kept for later calls. An
+// empty `parent` looks for ".png", as a game without a parent name does. Never throws; a broken zip
+// gives no picture.
 ArtworkFile FindArtwork(const Settings& settings, const std::string& appFolder,
                         const std::string& tempFolder, const std::string& rom,
                         const std::string& parent, std::string_view kind,
-                        const std::function<void(int percent)>& progress = {});
+                        const std::function<void(int percent)>& progress = {},
+                        ArtworkZipCache* zips = nullptr);
 
 // Label2's text when there is no picture: message 236, the folder, message 237, the kind's zip
 // and message 238. An unset folder reads as the kind and message 235.

@@ -58,6 +58,31 @@ QString Shown(const std::string& utf8) { return QString::fromStdString(utf8); }
 
 bool IsSet(const std::string& value) { return !value.empty() && value != "-1"; }
 
+// What the sheets opened from one window share: the details loader with its clone index, and
+// the directories of the picture zips. It lives as long as that window.
+class SheetSession final : public QObject {
+ public:
+  SheetSession(QObject* parent, AppContext& ctx)
+      : QObject(parent),
+        context(&ctx),
+        loader(std::make_shared<GameDetailsLoader>(ctx)),
+        zips(std::make_shared<ArtworkZipCache>()) {
+    setObjectName(QStringLiteral("GameSheetSession"));
+  }
+  AppContext* context;
+  std::shared_ptr<GameDetailsLoader> loader;
+  std::shared_ptr<ArtworkZipCache> zips;
+};
+
+SheetSession* SessionFor(QWidget* parent, AppContext& ctx) {
+  if (parent == nullptr) return nullptr;
+  for (QObject* child : parent->children()) {
+    auto* session = dynamic_cast<SheetSession*>(child);
+    if (session != nullptr && session->context == &ctx) return session;
+  }
+  return new SheetSession(parent, ctx);
+}
+
 }  // namespace
 
 // Receives what the PNG loader paints and gives it to the sheet.
@@ -70,10 +95,16 @@ class GameSheetDialog::PictureTarget final : public PngPaintTarget {
 GameSheetDialog::GameSheetDialog(QWidget* parent, AppContext& ctx, const std::string& romName)
     : QDialog(parent),
       m_ctx(ctx),
-      m_loader(std::make_unique<GameDetailsLoader>(ctx)),
       m_target(std::make_unique<PictureTarget>()),
       m_currentRom(romName) {
   setObjectName(QStringLiteral("Form5"));
+  if (SheetSession* session = SessionFor(parent, ctx)) {
+    m_loader = session->loader;
+    m_zips = session->zips;
+  } else {
+    m_loader = std::make_shared<GameDetailsLoader>(ctx);
+    m_zips = std::make_shared<ArtworkZipCache>();
+  }
   setWindowFlag(Qt::Window);
   setModal(false);
   const auto lng = [&](int n) { return ToQt(ctx.messages.Lng(n)); };
@@ -316,9 +347,9 @@ void GameSheetDialog::ShowArtwork(const std::string& rom, const std::string& par
   m_progressSteps.clear();
   m_image2->show();
   SetProgress(0);
-  const ArtworkFile found =
-      FindArtwork(m_ctx.settings, m_ctx.AppFolder(), m_ctx.TempFolder, rom, parent, kind,
-                  [this](int percent) { SetProgress(percent); });
+  const ArtworkFile found = FindArtwork(
+      m_ctx.settings, m_ctx.AppFolder(), m_ctx.TempFolder, rom, parent, kind,
+      [this](int percent) { SetProgress(percent); }, m_zips.get());
   SetProgress(50);
   m_target->image = QImage();
   m_shownFile.clear();

@@ -27,6 +27,8 @@ class GameSheetDialog final : public QDialog {
   Q_OBJECT
  public:
   // Sets CurrentRom and runs the load step: position, kind, fonts, captions, page 0, ShowGame.
+  // Sheets opened from the same parent share one details loader (its clone index) and the
+  // picture zips read so far, so that only the first pays for reading them.
   GameSheetDialog(QWidget* parent, AppContext& ctx, const std::string& romName);
   ~GameSheetDialog() override;
 
@@ -64,7 +66,8 @@ class GameSheetDialog final : public QDialog {
   void Yield();
 
   AppContext& m_ctx;
-  std::unique_ptr<GameDetailsLoader> m_loader;
+  std::shared_ptr<GameDetailsLoader> m_loader;
+  std::shared_ptr<ArtworkZipCache> m_zips;
   std::unique_ptr<PictureTarget> m_target;
   std::string m_currentRom;
   std::string m_currentTitle;
