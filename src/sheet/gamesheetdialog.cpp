@@ -48,6 +48,7 @@ QPlainTextEdit* MakeBox(QWidget* parent, int number) {
   box->setObjectName(QStringLiteral("Text%1").arg(number));
   box->setReadOnly(true);
   box->setLineWrapMode(QPlainTextEdit::WidgetWidth);
+  box->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
   // Read-only boxes still take the focus, so that the keyboard scrolls and copies.
   box->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
   return box;

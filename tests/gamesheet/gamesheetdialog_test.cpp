@@ -368,3 +368,87 @@ TEST(GameSheetTiming, RealGameWithItsTitleInA40000EntryZip) {
 
 }  // namespace
 }  // namespace tessarin
+
+namespace tessarin {
+namespace {
+
+// A title picture of our own: a yellow round eater and dots on black, with a see-through corner.
+QImage DrawnTitle() {
+  QImage image(320, 240, QImage::Format_ARGB32);
+  image.fill(Qt::black);
+  QPainter painter(&image);
+  painter.setRenderHint(QPainter::Antialiasing);
+  painter.setBrush(QColor(255, 230, 0));
+  painter.setPen(Qt::NoPen);
+  painter.drawPie(QRect(40, 70, 100, 100), 30 * 16, 300 * 16);
+  painter.setBrush(QColor(255, 200, 170));
+  for (int x = 170; x < 300; x += 30) painter.drawEllipse(QPoint(x, 120), 6, 6);
+  painter.setPen(QColor(40, 80, 255));
+  QFont font = painter.font();
+  font.setPixelSize(28);
+  font.setBold(true);
+  painter.setFont(font);
+  painter.drawText(QRect(0, 10, 320, 40), Qt::AlignCenter, QStringLiteral("TESSARIN TITLE"));
+  painter.setCompositionMode(QPainter::CompositionMode_Source);
+  painter.fillRect(QRect(280, 200, 40, 40), QColor(0, 0, 0, 0));
+  painter.end();
+  return image;
+}
+
+// Screenshots of the three pages for pacman of the real list, when TESSARIN_SHOTS names a
+// folder (run once with QT_SCALE_FACTOR=2 for the large ones).
+TEST(GameSheetShots, ThreePagesOfARealGame) {
+  const QByteArray shots = qgetenv("TESSARIN_SHOTS");
+  if (shots.isEmpty()) GTEST_SKIP() << "set TESSARIN_SHOTS to a folder";
+  if (!fs::exists("/work/realdata/home.done")) GTEST_SKIP() << "no real database";
+  const std::string real = "/work/realdata/home/";
+  for (int language : {Messages::kEnglish, Messages::kFrench}) {
+    TempFolder app;
+    fs::create_directories(app / "DataFiles");
+    fs::create_symlink(real + "DataFiles/index", app / "DataFiles/index");
+    fs::create_symlink(real + "DataFiles/listxml", app / "DataFiles/listxml");
+    fs::create_directories(app / "titles");
+    fs::create_directories(app / "temp");
+    ASSERT_TRUE(DrawnTitle().save(QString::fromStdString(app / "titles/pacman.png"), "PNG"));
+    AppContext ctx(app.Path());
+    ctx.log.SetFatalHandler([](const std::string&) {});
+    ctx.settings.InfLoad();
+    ctx.settings.InfWrite("DataFile2", "/work/shared/data/dat/history.dat");
+    ctx.settings.InfWrite("DataFile5", "/work/shared/data/dat/command.dat");
+    ctx.settings.InfWrite("TitlesPath", app / "titles/");
+    ctx.messages.LanguageNumber = language;
+    ctx.messages.LoadMessages();
+    ctx.TempFolder = app / "temp/";
+    ASSERT_TRUE(LoadIndex(ctx.store, ctx.log, IndexFilePath(ctx.AppFolder())));
+    GameSheetDialog sheet(nullptr, ctx, "pacman");
+    sheet.resize(1000, 640);
+    sheet.show();
+    const std::string suffix = std::string(language == Messages::kFrench ? "fr" : "en") + "-" +
+                               std::to_string(qRound(sheet.devicePixelRatioF())) + "x";
+    for (int page = 0; page < 3; ++page) {
+      if (page == 1) {
+        Child<QPushButton>(sheet, QStringLiteral("Command1"))->click();
+      } else {
+        sheet.ShowPage(page);
+      }
+      if (page == 1) {
+        EXPECT_FALSE(sheet.ShownPicture().isNull());
+      }
+      const QString path =
+          QString::fromLocal8Bit(shots) +
+          QStringLiteral("/sheet-page%1-%2.png").arg(page).arg(QString::fromStdString(suffix));
+      EXPECT_TRUE(sheet.grab().save(path, "PNG")) << path.toStdString();
+    }
+    // And the page of a kind without a picture.
+    Child<QPushButton>(sheet, QStringLiteral("Command5_1"))->click();
+    sheet.ShowPage(1);
+    EXPECT_TRUE(sheet.grab().save(
+        QString::fromLocal8Bit(shots) +
+            QStringLiteral("/sheet-nopicture-%1.png").arg(QString::fromStdString(suffix)),
+        "PNG"));
+    sheet.close();
+  }
+}
+
+}  // namespace
+}  // namespace tessarin

@@ -202,7 +202,8 @@ TEST(SheetText, FixtureGameWithItsFiles) {
   EXPECT_NE(t.Text1.find("Clones list : puckman\r\nThis is the original Rom."), std::string::npos)
       << t.Text1;
   EXPECT_NE(t.Text1.find("Command.dat support : True"), std::string::npos);
-  EXPECT_NE(t.Text3.find("- HISTORY -\r\n\r\nPac-Man (c) 1980 Namco"), std::string::npos) << t.Text3;
+  EXPECT_NE(t.Text3.find("- HISTORY -\r\n\r\nPac-Man (c) 1980 Namco"), std::string::npos)
+      << t.Text3;
   EXPECT_NE(t.Text3.find("- MAMEINFO -\r\nMAME v0.1 [Nicola Salmoria]"), std::string::npos)
       << t.Text3;
   EXPECT_NE(t.Text3.find("\r\n\r\n- NOTES -\r\nBeat level 3 on a Sunday."), std::string::npos)
