@@ -81,6 +81,7 @@ class CliRegistry final {
 // The command groups, one file of src/cli each.
 void RegisterDatabaseCommands(CliRegistry& registry);
 void RegisterSettingsCommands(CliRegistry& registry);
+void RegisterSheetCommands(CliRegistry& registry);
 void RegisterImageCommands(CliRegistry& registry);
 
 }  // namespace tessarin

@@ -34,10 +34,6 @@ constexpr std::string_view kBiosSetTemplate = ";#D;#F";
 constexpr std::string_view kChipTemplate = ";#N;#C";
 constexpr std::string_view kDipSwitchTemplate = ";#V;#D";
 
-bool StartsWithText(std::string_view text, std::string_view prefix) {
-  return text.size() >= prefix.size() && text.compare(0, prefix.size(), prefix) == 0;
-}
-
 // The text a reader sees behind a tag. A record without the tag is read from its second
 // character on, as a search position of 0 always gave.
 std::string_view BehindTag(std::string_view record, char tag) {
@@ -137,14 +133,6 @@ void CleanList(DetailList& list, const std::string_view (&marks)[N]) {
     if (item.find('#') == std::string::npos) continue;
     for (const std::string_view mark : marks) ReplaceAll(item, mark, "");
   }
-}
-
-std::string_view TrimSpaces(std::string_view text) {
-  size_t first = 0;
-  while (first < text.size() && text[first] == ' ') ++first;
-  size_t last = text.size();
-  while (last > first && text[last - 1] == ' ') --last;
-  return text.substr(first, last - first);
 }
 
 std::string Without(std::string_view text, std::string_view characters) {
@@ -318,9 +306,9 @@ void ParseTagAttributes(std::string_view tag, bool continuation, TagAttributes& 
   while (!rest.empty()) {
     const size_t equal = rest.find('=');
     if (equal == std::string_view::npos) break;
-    const std::string_view key = TrimSpaces(rest.substr(0, equal));
+    const std::string_view key = TrimBlanks(rest.substr(0, equal));
     const std::string_view behind = rest.substr(equal + 1);
-    std::string_view value = TrimSpaces(behind);
+    std::string_view value = TrimBlanks(behind);
     if (!value.empty()) {
       if (value.front() == '"') value.remove_prefix(1);
       value = value.substr(0, value.find('"'));
@@ -377,7 +365,7 @@ std::string ReadPersonalNotes(const std::string& appFolder, std::string_view nam
   if (!found) return {};
   std::string notes;
   while (reader.ReadLine(line)) {
-    if (StartsWithText(TrimSpaces(line), "[")) break;
+    if (StartsWith(TrimBlanks(line), "[")) break;
     notes.append(line);
     notes.append("\r\n");
   }
@@ -410,7 +398,7 @@ struct GameDetailsLoader::Caches {
   // field, so the games whose field begins with a name are one range.
   unsigned long long generation = ~0ULL;
   const GameStore* store = nullptr;
-  std::vector<std::pair<std::string_view, int>> parents;
+  std::vector<std::pair<std::string, int>> parents;
 
   // The places of "$bio" in the History file, for the file of that stamp.
   FileStamp historyStamp;
@@ -451,17 +439,22 @@ std::string GameDetailsLoader::BuildClonesList(std::string_view name, bool asLin
       const int count = store.GameCount();
       c.parents.reserve(static_cast<size_t>(std::max(count, 0)));
       for (int i = 1; i <= count && static_cast<size_t>(i) < store.GameRecords.size(); ++i) {
+        // Copies: records may be changed in place (a rom scan adds its mark) and move.
         c.parents.emplace_back(
-            UpToSemicolon(BehindTag(store.GameRecords[static_cast<size_t>(i)], 'S')), i);
+            std::string(UpToSemicolon(BehindTag(store.GameRecords[static_cast<size_t>(i)], 'S'))),
+            i);
       }
       std::sort(c.parents.begin(), c.parents.end());
       c.generation = store.Generation();
       c.store = &store;
     }
-    auto first = std::lower_bound(c.parents.begin(), c.parents.end(),
-                                  std::pair<std::string_view, int>(name, 0));
+    auto first =
+        std::lower_bound(c.parents.begin(), c.parents.end(), name,
+                         [](const std::pair<std::string, int>& entry, std::string_view key) {
+                           return std::string_view(entry.first) < key;
+                         });
     std::vector<int> games;
-    for (auto it = first; it != c.parents.end() && StartsWithText(it->first, name); ++it) {
+    for (auto it = first; it != c.parents.end() && StartsWith(it->first, name); ++it) {
       games.push_back(it->second);
     }
     std::sort(games.begin(), games.end());
@@ -486,7 +479,7 @@ std::string GameDetailsLoader::ReadMameinfoEntry(std::string_view name) {
     if (index == 0) return;
     const std::string_view field =
         UpToSemicolon(BehindTag(store.GameRecords[static_cast<size_t>(index)], 'U'));
-    if (StartsWithText(field, "#") || field.find(',') == std::string_view::npos) return;
+    if (StartsWith(field, "#") || field.find(',') == std::string_view::npos) return;
     const Range range = SplitRange(field);
     if (range.second == 0) return;
     std::string path = m_ctx.settings.InfRead("DataFile3");
@@ -606,10 +599,10 @@ GameDetails GameDetailsLoader::LoadGameDetails(std::string& name, std::int32_t i
     details.Bios = TableText(store.BiosTable, FieldToIndex(BehindTag(record, 'M')));
     details.CategoryIndex = FieldToIndex(BehindTag(record, 'J'));
     details.Category = TableText(store.CategoryTable, details.CategoryIndex);
-    details.CheatSupport = StartsWithText(BehindTag(record, 'R'), "1");
+    details.CheatSupport = StartsWith(BehindTag(record, 'R'), "1");
     {
       const std::string_view parent = UpToSemicolon(BehindTag(record, 'S'));
-      if (!StartsWithText(parent, "#")) details.CloneOf = std::string(parent);
+      if (!StartsWith(parent, "#")) details.CloneOf = std::string(parent);
     }
     details.Control = TableText(store.ControlsTable, FieldToIndex(BehindTag(record, 'G')));
     details.Description = std::string(UpToSemicolon(BehindTag(record, 'B')));
@@ -617,11 +610,11 @@ GameDetails GameDetailsLoader::LoadGameDetails(std::string& name, std::int32_t i
     details.DriverStatus = TableText(store.StatusTable, FieldToIndex(BehindTag(record, 'H')));
     details.GenreIndex = FieldToIndex(BehindTag(record, 'I'));
     details.Genre = TableText(store.GenreTable, details.GenreIndex);
-    details.HiscoreSupport = !StartsWithText(BehindTag(record, 'P'), "#");
+    details.HiscoreSupport = !StartsWith(BehindTag(record, 'P'), "#");
     details.Buttons = TableText(store.ButtonsTable, FieldToIndex(BehindTag(record, 'F')));
     details.ManufacturerIndex = FieldToIndex(BehindTag(record, 'C'));
     details.Manufacturer = TableText(store.ManufacturerTable, details.ManufacturerIndex);
-    details.Mature = !StartsWithText(BehindTag(record, 'L'), "#");
+    details.Mature = !StartsWith(BehindTag(record, 'L'), "#");
     details.Players = TableText(store.NPlayersTable, FieldToIndex(BehindTag(record, 'O')));
     details.Orientation = TableText(store.OrientationTable, FieldToIndex(BehindTag(record, 'E')));
     details.YearIndex = FieldToIndex(BehindTag(record, 'D'));
@@ -687,8 +680,8 @@ GameDetails GameDetailsLoader::LoadGameDetails(std::string& name, std::int32_t i
     // 7. The data files' texts.
     {
       const std::string_view field = UpToSemicolon(BehindTag(record, 'Q'));
-      const bool placed = !StartsWithText(field, "#") &&
-                          field.find(',') != std::string_view::npos && SplitRange(field).start != 0;
+      const bool placed = !StartsWith(field, "#") && field.find(',') != std::string_view::npos &&
+                          SplitRange(field).start != 0;
       if (placed) {
         if (presenceOnly) {
           details.History = "True";
@@ -760,7 +753,7 @@ void GameDetailsLoader::ListInfoPass(GameDetails& d, std::string& name) {
   // The rest of a bracketed line: "(" and ")" deleted, trimmed, split at blanks.
   auto tokensOf = [&](std::string_view rest) {
     const std::string bare = Without(rest, "()");
-    FastSplit(TrimSpaces(bare), tokens, " ");
+    FastSplit(TrimBlanks(bare), tokens, " ");
   };
 
   std::string_view block = c.block;
@@ -773,28 +766,28 @@ void GameDetailsLoader::ListInfoPass(GameDetails& d, std::string& name) {
     line = Without(block.substr(position, end - position), "\t");
     position = end + LineEndAt(block, end);
     if (end == block.size()) position = block.size() + 1;
-    const std::string_view text = TrimSpaces(line);
+    const std::string_view text = TrimBlanks(line);
     if (text.empty()) continue;
 
-    if (StartsWithText(text, "name")) {
-      name = std::string(TrimSpaces(text.substr(4)));
+    if (StartsWith(text, "name")) {
+      name = std::string(TrimBlanks(text.substr(4)));
       d.RomName = name;
     }
-    if (StartsWithText(text, "description")) {
-      d.Description = Without(TrimSpaces(text.substr(11)), "\"");
+    if (StartsWith(text, "description")) {
+      d.Description = Without(TrimBlanks(text.substr(11)), "\"");
     }
-    if (StartsWithText(text, "year")) d.Year = std::string(TrimSpaces(text.substr(4)));
-    if (StartsWithText(text, "manufacturer")) {
-      d.Manufacturer = std::string(TrimSpaces(text.substr(12)));
+    if (StartsWith(text, "year")) d.Year = std::string(TrimBlanks(text.substr(4)));
+    if (StartsWith(text, "manufacturer")) {
+      d.Manufacturer = std::string(TrimBlanks(text.substr(12)));
     }
-    if (StartsWithText(text, "romof")) d.RomOf = std::string(TrimSpaces(text.substr(5)));
-    if (StartsWithText(text, "cloneof")) d.CloneOf = std::string(TrimSpaces(text.substr(7)));
-    if (StartsWithText(text, "sampleof")) d.SampleOf = std::string(TrimSpaces(text.substr(8)));
-    if (StartsWithText(text, "sound")) {
+    if (StartsWith(text, "romof")) d.RomOf = std::string(TrimBlanks(text.substr(5)));
+    if (StartsWith(text, "cloneof")) d.CloneOf = std::string(TrimBlanks(text.substr(7)));
+    if (StartsWith(text, "sampleof")) d.SampleOf = std::string(TrimBlanks(text.substr(8)));
+    if (StartsWith(text, "sound")) {
       tokensOf(text.substr(5));
       if (tokens.size() > 1) d.SoundChannels = tokens[1];
     }
-    if (StartsWithText(text, "dipswitch")) {
+    if (StartsWith(text, "dipswitch")) {
       tokensOf(text.substr(9));
       for (size_t i = 0; i + 1 < tokens.size(); ++i) {
         const std::string& value = tokens[i + 1];
@@ -818,7 +811,7 @@ void GameDetailsLoader::ListInfoPass(GameDetails& d, std::string& name) {
         }
       }
     }
-    if (StartsWithText(text, "driver")) {
+    if (StartsWith(text, "driver")) {
       tokensOf(text.substr(6));
       for (size_t i = 0; i + 1 < tokens.size(); ++i) {
         const std::string& key = tokens[i];
@@ -834,7 +827,7 @@ void GameDetailsLoader::ListInfoPass(GameDetails& d, std::string& name) {
         }
       }
     }
-    if (StartsWithText(text, "input")) {
+    if (StartsWith(text, "input")) {
       tokensOf(text.substr(5));
       for (size_t i = 0; i + 1 < tokens.size(); ++i) {
         const std::string& key = tokens[i];
@@ -852,7 +845,7 @@ void GameDetailsLoader::ListInfoPass(GameDetails& d, std::string& name) {
         }
       }
     }
-    if (StartsWithText(text, "video")) {
+    if (StartsWith(text, "video")) {
       tokensOf(text.substr(5));
       for (size_t i = 0; i + 1 < tokens.size(); ++i) {
         const std::string& key = tokens[i];
@@ -874,7 +867,7 @@ void GameDetailsLoader::ListInfoPass(GameDetails& d, std::string& name) {
         }
       }
     }
-    if (StartsWithText(text, "rom")) {
+    if (StartsWith(text, "rom")) {
       tokensOf(text.substr(3));
       for (size_t i = 0; i + 1 < tokens.size(); ++i) {
         const std::string& key = tokens[i];
@@ -896,7 +889,7 @@ void GameDetailsLoader::ListInfoPass(GameDetails& d, std::string& name) {
         }
       }
     }
-    if (StartsWithText(text, "chip")) {
+    if (StartsWith(text, "chip")) {
       tokensOf(text.substr(4));
       for (size_t i = 0; i + 1 < tokens.size(); ++i) {
         const std::string& key = tokens[i];
@@ -966,27 +959,27 @@ void GameDetailsLoader::XmlPass(GameDetails& d) {
     const std::string_view piece = pieces[i];
     bool plain = false;
     for (const std::string_view start : kPlain) {
-      if (StartsWithText(piece, start)) {
+      if (StartsWith(piece, start)) {
         plain = true;
         break;
       }
     }
     if (plain) {
       ParseTagAttributes(piece, false, Attributes);
-    } else if (StartsWithText(piece, "input ")) {
+    } else if (StartsWith(piece, "input ")) {
       ParseTagAttributes(piece, false, Attributes);
-      for (size_t j = i + 1; j < pieces.size() && StartsWithText(pieces[j], "control "); ++j) {
+      for (size_t j = i + 1; j < pieces.size() && StartsWith(pieces[j], "control "); ++j) {
         joined.assign("input ");
         joined.append(pieces[j]);
         ReplaceAll(joined, "control type", "control_type");
         ParseTagAttributes(joined, true, Attributes);
       }
-    } else if (StartsWithText(piece, "dipswitch ")) {
+    } else if (StartsWith(piece, "dipswitch ")) {
       ParseTagAttributes(piece, false, Attributes);
       for (size_t j = i + 1; j < pieces.size(); ++j) {
         // Today's switches give the places of their switches first: passed over.
-        if (StartsWithText(pieces[j], "diplocation ")) continue;
-        if (!StartsWithText(pieces[j], "dipvalue ")) break;
+        if (StartsWith(pieces[j], "diplocation ")) continue;
+        if (!StartsWith(pieces[j], "dipvalue ")) break;
         joined.assign("dipswitch ");
         joined.append(pieces[j]);
         ReplaceAll(joined, "dipvalue ", "dipvalue_");
@@ -1000,7 +993,7 @@ void GameDetailsLoader::XmlPass(GameDetails& d) {
   for (int k = 1; k <= Attributes.AttrCount; ++k) {
     std::string_view key = Attributes.AttrKeys[static_cast<size_t>(k)];
     const std::string& value = Attributes.AttrValues[static_cast<size_t>(k)];
-    if (StartsWithText(key, "*")) key.remove_prefix(1);
+    if (StartsWith(key, "*")) key.remove_prefix(1);
     d.Working = true;
     const size_t underscore = key.find('_');
     const std::string_view element = key.substr(0, underscore);

@@ -291,7 +291,7 @@ void GameSheetDialog::Yield() {
 
 void GameSheetDialog::ShowGame() {
   if (m_ctx.store.GameCount() == 0) return;
-  const SheetTexts texts = ShowGameTexts(m_ctx, *m_loader, m_currentRom, SheetTextMode::Display);
+  const SheetText texts = ShowGameText(m_ctx, *m_loader, m_currentRom, SheetTextMode::Display);
   m_label1->setText(Shown(texts.Label1));
   m_currentTitle = texts.CurrentTitle;
   m_currentRom = texts.CurrentRom;

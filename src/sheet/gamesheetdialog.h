@@ -16,11 +16,11 @@ namespace tessarin {
 
 class AppContext;
 class GameDetailsLoader;
-struct SheetTexts;
+struct SheetText;
 
 // The game sheet (Form5): one game's texts on three pages and its pictures in six kinds, with a
 // button that fetches the missing pictures. Each opening is a window of its own; it shows the
-// game it was opened for until it is closed. The texts come from ShowGameTexts (sheettext.h),
+// game it was opened for until it is closed. The texts come from ShowGameText (sheettext.h),
 // the pictures from FindArtwork and the program's own PNG loader, the download from
 // DownloadArtwork (artwork.h).
 class GameSheetDialog final : public QDialog {

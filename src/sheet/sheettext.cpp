@@ -1,5 +1,6 @@
 #include "sheet/sheettext.h"
 
+#include <cstdio>
 #include <cstdlib>
 #include <string>
 #include <vector>
@@ -116,6 +117,39 @@ std::string NamedItems(std::string_view title, const DetailList& list,
   return text;
 }
 
+void JsonString(std::string& out, std::string_view bytes) {
+  const std::string text = DisplayUtf8(bytes);
+  out.push_back('"');
+  for (const char ch : text) {
+    switch (ch) {
+      case '"':
+        out.append("\\\"");
+        break;
+      case '\\':
+        out.append("\\\\");
+        break;
+      case '\r':
+        out.append("\\r");
+        break;
+      case '\n':
+        out.append("\\n");
+        break;
+      case '\t':
+        out.append("\\t");
+        break;
+      default:
+        if (static_cast<unsigned char>(ch) < 0x20) {
+          char escaped[8];
+          std::snprintf(escaped, sizeof escaped, "\\u%04x", static_cast<unsigned char>(ch));
+          out.append(escaped);
+        } else {
+          out.push_back(ch);
+        }
+    }
+  }
+  out.push_back('"');
+}
+
 }  // namespace
 
 SheetDetailLists ListsOf(const GameDetailsLoader& loader) {
@@ -123,13 +157,13 @@ SheetDetailLists ListsOf(const GameDetailsLoader& loader) {
           loader.DipSwitchList};
 }
 
-SheetTexts LayOutSheetTexts(const GameDetails& d, const SheetDetailLists& lists,
-                            const Messages& messages, std::string_view clonesList,
-                            std::string_view parentMameinfo, SheetTextMode mode) {
+SheetText LayOutSheetText(const GameDetails& d, const SheetDetailLists& lists,
+                          const Messages& messages, std::string_view clonesList,
+                          std::string_view parentMameinfo, SheetTextMode mode) {
   const Writer w(messages, mode);
   const auto flag = &Writer::Flag;
   const std::string crlf(kCrLf);
-  SheetTexts t;
+  SheetText t;
   t.Label1 = w.Named(d.Description);
   t.CurrentTitle = d.Description;
   t.CurrentRom = d.RomName;
@@ -204,20 +238,67 @@ SheetTexts LayOutSheetTexts(const GameDetails& d, const SheetDetailLists& lists,
   return t;
 }
 
-SheetTexts ShowGameTexts(AppContext& ctx, GameDetailsLoader& loader, const std::string& rom,
-                         SheetTextMode mode) {
+SheetText LayOutSheetText(const GameDetails& details, GameDetailsLoader& loader,
+                          const Messages& messages, SheetTextMode mode) {
+  const std::string clones = loader.BuildClonesList(details.RomName, false);
+  // Only a game without a Mameinfo entry of its own looks at its parent's.
+  const std::string parentMameinfo =
+      details.Mameinfo.empty() ? loader.ReadMameinfoEntry(details.CloneOf) : std::string();
+  return LayOutSheetText(details, ListsOf(loader), messages, clones, parentMameinfo, mode);
+}
+
+SheetText ShowGameText(AppContext& ctx, GameDetailsLoader& loader, const std::string& rom,
+                       SheetTextMode mode) {
   if (ctx.store.GameCount() == 0) {
-    SheetTexts empty;
+    SheetText empty;
     empty.CurrentRom = rom;
     return empty;
   }
   std::string name = rom;
   const GameDetails details = loader.LoadGameDetails(name, 0, false);
-  const std::string clones = loader.BuildClonesList(details.RomName, false);
-  // Only a game without a Mameinfo entry of its own looks at its parent's.
-  const std::string parentMameinfo =
-      details.Mameinfo.empty() ? loader.ReadMameinfoEntry(details.CloneOf) : std::string();
-  return LayOutSheetTexts(details, ListsOf(loader), ctx.messages, clones, parentMameinfo, mode);
+  return LayOutSheetText(details, loader, ctx.messages, mode);
+}
+
+std::string GameDetailsJson(const GameDetails& details, const GameDetailsLoader& loader) {
+  std::string out = "{";
+  bool first = true;
+  auto key = [&](std::string_view name) {
+    if (!first) out.push_back(',');
+    first = false;
+    out.append("\n  \"").append(name).append("\": ");
+  };
+  for (const DetailField& field : GameDetailsFields()) {
+    key(field.name);
+    switch (field.kind) {
+      case DetailFieldKind::Text:
+        JsonString(out, details.*field.text);
+        break;
+      case DetailFieldKind::Flag:
+        out.append(details.*field.flag ? "true" : "false");
+        break;
+      case DetailFieldKind::Index:
+        out.append(std::to_string(details.*field.index));
+        break;
+    }
+  }
+  const std::pair<std::string_view, const DetailList*> lists[] = {
+      {"RomList", &loader.RomList},
+      {"DiskList", &loader.DiskList},
+      {"BiosSetList", &loader.BiosSetList},
+      {"ChipList", &loader.ChipList},
+      {"DipSwitchList", &loader.DipSwitchList}};
+  for (const auto& [name, list] : lists) {
+    key(name);
+    out.push_back('[');
+    for (size_t i = 1; i < list->size(); ++i) {
+      if (i > 1) out.push_back(',');
+      out.append("\n    ");
+      JsonString(out, (*list)[i]);
+    }
+    out.append(list->size() > 1 ? "\n  ]" : "]");
+  }
+  out.append("\n}");
+  return out;
 }
 
 }  // namespace tessarin

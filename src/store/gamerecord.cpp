@@ -1,6 +1,7 @@
 #include "store/gamerecord.h"
 
 #include <algorithm>
+#include <atomic>
 #include <charconv>
 #include <limits>
 
@@ -51,6 +52,13 @@ std::string NewRecord(std::string_view name, std::string_view head, long long du
   return record;
 }
 
+// Generations are unique in the run, so that a store assigned from another never looks
+// unchanged to a reader that remembers the old one's.
+unsigned long long NextGeneration() {
+  static std::atomic<unsigned long long> last{0};
+  return ++last;
+}
+
 }  // namespace
 
 std::string_view TableTitle(TableId id) { return Info(id).title; }
@@ -96,7 +104,7 @@ const CodeTable& GameStore::Table(TableId id) const {
 }
 
 int GameStore::AppendGame(std::string name, std::string record) {
-  ++m_generation;
+  m_generation = NextGeneration();
   const int index = static_cast<int>(m_names.size());
   if (HasEndRecord()) {
     GameRecords.insert(GameRecords.end() - 1, std::move(record));
@@ -112,7 +120,7 @@ int GameStore::AppendGame(std::string name, std::string record) {
 }
 
 void GameStore::SetEndRecord(std::string record) {
-  ++m_generation;
+  m_generation = NextGeneration();
   if (HasEndRecord()) {
     GameRecords.back() = std::move(record);
     return;
@@ -122,7 +130,7 @@ void GameStore::SetEndRecord(std::string record) {
 }
 
 void GameStore::Clear() {
-  ++m_generation;
+  m_generation = NextGeneration();
   GameRecords.assign(1, std::string());
   m_names.assign(1, std::string());
   m_index.clear();

@@ -79,8 +79,9 @@ class GameStore final {
   // The first game of that exact, case-sensitive name; 0 when there is none.
   int FindGame(std::string_view name) const;
 
-  // Changes whenever games are added or the store is emptied (a new build or load), so that a
-  // reader can tell that an index it built over the records is out of date.
+  // Changes whenever games are added or the store is emptied (a new build or load), to a value
+  // no store of the run had before, so that a reader can tell that an index it built over the
+  // records is out of date.
   unsigned long long Generation() const { return m_generation; }
 
  private:

@@ -76,7 +76,7 @@ GameDetails Sample() {
 TEST(SheetText, FirstAndSecondBoxesRowByRow) {
   const Messages& messages = English();
   const Lists lists;
-  const SheetTexts t = LayOutSheetTexts(Sample(), lists.View(), messages, "", "");
+  const SheetText t = LayOutSheetText(Sample(), lists.View(), messages, "", "");
   EXPECT_EQ(t.Label1, "My &amp; Game");
   EXPECT_EQ(t.Text1,
             "Name of Rom : mygame\r\n\r\n"
@@ -123,7 +123,7 @@ TEST(SheetText, CloneRowsAndColours) {
   GameDetails d = Sample();
   d.CloneOf = "parent";
   d.Colors = "256";
-  const SheetTexts t = LayOutSheetTexts(d, lists.View(), messages, "clone1, clone2", "");
+  const SheetText t = LayOutSheetText(d, lists.View(), messages, "clone1, clone2", "");
   EXPECT_NE(t.Text1.find("\r\nOrientation : Vertical\r\nClones list : clone1, clone2\r\nThis is "
                          "a clone of : parent"),
             std::string::npos);
@@ -139,15 +139,15 @@ TEST(SheetText, ThirdBoxLosesTheNotesAndBringsThemBack) {
   d.History = "The story.";
   d.Mameinfo = "MAME v0.1";
   d.PersonalNotes = "  my note  ";
-  SheetTexts t = LayOutSheetTexts(d, lists.View(), messages, "", "parent's info");
+  SheetText t = LayOutSheetText(d, lists.View(), messages, "", "parent's info");
   EXPECT_EQ(t.Text3,
             "- HISTORY -\r\nThe story.\r\n- MAMEINFO -\r\nMAME v0.1\r\n\r\n- NOTES -\r\n  my "
             "note  ");
   d.Mameinfo.clear();
   d.PersonalNotes.clear();
-  t = LayOutSheetTexts(d, lists.View(), messages, "", "parent's info");
+  t = LayOutSheetText(d, lists.View(), messages, "", "parent's info");
   EXPECT_EQ(t.Text3, "- HISTORY -\r\nThe story.\r\n- MAMEINFO -\r\nparent's info");
-  t = LayOutSheetTexts(GameDetails{}, lists.View(), messages, "", "");
+  t = LayOutSheetText(GameDetails{}, lists.View(), messages, "", "");
   EXPECT_EQ(t.Text3, "- HISTORY -\r\n\r\n- MAMEINFO -");
 }
 
@@ -166,7 +166,7 @@ TEST(SheetText, ListBoxes) {
   lists.disks.push_back(";skipped;;;;;");
   lists.roms.push_back("pacman.6e;4096;c1e6ab10;e87e;maincpu;0;;;;");
   lists.roms.push_back("pm1.6e;2048;f36e;813c;maincpu;0;;pacman.6e;baddump;");
-  const SheetTexts t = LayOutSheetTexts(GameDetails{}, lists.View(), messages, "", "");
+  const SheetText t = LayOutSheetText(GameDetails{}, lists.View(), messages, "", "");
   EXPECT_EQ(t.Text4, "BIOS SET\r\ndefault: Standard board - yes\r\nalt: Other board - \r\nlonely");
   EXPECT_EQ(t.Text5, "CHIPS\r\nZilog Z80 (cpu) - 3072000\r\nNamco (audio) - \r\nodd;one");
   EXPECT_EQ(t.Text6, "DIPSWITCHS\r\nLives - 3 - yes\r\nBonus - ");
@@ -184,7 +184,7 @@ TEST(SheetText, DisplayModeDecodesEachValueOnItsOwn) {
   d.History = "caf\xe9";             // Windows-1252
   d.Mameinfo = "\xc3\xa9t\xc3\xa9";  // UTF-8
   d.Manufacturer = "Acme &lt;Japan&gt;";
-  const SheetTexts t = LayOutSheetTexts(d, lists.View(), messages, "", "", SheetTextMode::Display);
+  const SheetText t = LayOutSheetText(d, lists.View(), messages, "", "", SheetTextMode::Display);
   EXPECT_EQ(t.Label1, "My & Game");
   EXPECT_NE(t.Text3.find("caf\xc3\xa9\r\n"), std::string::npos);
   EXPECT_NE(t.Text3.find("\xc3\xa9t\xc3\xa9"), std::string::npos);
@@ -196,7 +196,7 @@ TEST(SheetText, FixtureGameWithItsFiles) {
   SheetHome home;
   ASSERT_TRUE(home.built);
   GameDetailsLoader loader(home.ctx);
-  const SheetTexts t = ShowGameTexts(home.ctx, loader, "pacman");
+  const SheetText t = ShowGameText(home.ctx, loader, "pacman");
   EXPECT_EQ(t.CurrentRom, "pacman");
   EXPECT_EQ(t.CurrentParent, "");  // XML mode leaves RomOf empty
   EXPECT_NE(t.Text1.find("Clones list : puckman\r\nThis is the original Rom."), std::string::npos)
@@ -216,7 +216,7 @@ TEST(SheetText, CloneWithoutMameinfoShowsItsParents) {
   SheetHome home;
   ASSERT_TRUE(home.built);
   GameDetailsLoader loader(home.ctx);
-  const SheetTexts t = ShowGameTexts(home.ctx, loader, "puckman");
+  const SheetText t = ShowGameText(home.ctx, loader, "puckman");
   EXPECT_EQ(t.CurrentClone, "pacman");
   EXPECT_NE(t.Text1.find("This is a clone of : pacman"), std::string::npos) << t.Text1;
   EXPECT_NE(t.Text3.find("- MAMEINFO -\r\nMAME v0.1 [Nicola Salmoria]"), std::string::npos)
@@ -228,7 +228,7 @@ TEST(SheetText, DumpMissingShowsNoHistoryAndNoNotes) {
   ASSERT_TRUE(home.built);
   std::filesystem::remove(DefaultListXmlPath(home.Folder()));
   GameDetailsLoader loader(home.ctx);
-  const SheetTexts t = ShowGameTexts(home.ctx, loader, "pacman");
+  const SheetText t = ShowGameText(home.ctx, loader, "pacman");
   EXPECT_EQ(t.Text3, "- HISTORY -\r\n\r\n- MAMEINFO -");
   EXPECT_NE(t.Text2.find("Manufacturer : Namco (Midway license)"), std::string::npos);
 }
@@ -237,13 +237,13 @@ TEST(SheetText, UnknownGameAndEmptyDatabase) {
   SheetHome home;
   ASSERT_TRUE(home.built);
   GameDetailsLoader loader(home.ctx);
-  SheetTexts t = ShowGameTexts(home.ctx, loader, "nosuchgame");
+  SheetText t = ShowGameText(home.ctx, loader, "nosuchgame");
   EXPECT_NE(t.Text1.find("Name of Rom : \r\n"), std::string::npos);
   EXPECT_NE(t.Text1.find("This is the original Rom."), std::string::npos);
   EXPECT_EQ(t.Label1, "");
 
   home.ctx.store.Clear();
-  t = ShowGameTexts(home.ctx, loader, "pacman");
+  t = ShowGameText(home.ctx, loader, "pacman");
   EXPECT_EQ(t.Text1, "");
   EXPECT_EQ(t.Text3, "");
   EXPECT_EQ(t.CurrentRom, "pacman");
