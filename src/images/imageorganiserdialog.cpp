@@ -111,6 +111,13 @@ ImageOrganiserDialog::ImageOrganiserDialog(QWidget* parent, AppContext& ctx)
   m_chk3 = MakeCheck(m_pages[1], this, QStringLiteral("Chk3"), lng(291), &m_chk3Text);
   m_run = MakeButton(m_pages[1], QStringLiteral("Command3"), lng(257));
   auto* back = MakeButton(m_pages[1], QStringLiteral("Command4"), lng(78));
+  // Room for a real path; the choosers are small buttons beside them.
+  for (QLineEdit* box : {m_source, m_destination}) {
+    box->setMinimumWidth(fontMetrics().averageCharWidth() * 45);
+  }
+  for (QPushButton* browse : {m_browseSource, m_browseDestination}) {
+    browse->setMaximumWidth(fontMetrics().horizontalAdvance(QStringLiteral("...")) * 4);
+  }
   auto* grid = new QGridLayout;
   grid->addWidget(label2, 0, 0);
   grid->addWidget(m_combo, 0, 1);
@@ -294,6 +301,7 @@ void ImageOrganiserDialog::StartJob(int index) {
     w->setVisible(copy);
   }
   m_combo->setFocus();
+  adjustSize();
 }
 
 void ImageOrganiserDialog::BackToStart() { ShowPage(0); }

@@ -207,3 +207,37 @@ TEST(ImageOrganiserDialog, SecondBoxComesBackFromTheFirst) {
 
 }  // namespace
 }  // namespace tessarin
+
+namespace tessarin {
+namespace {
+
+// Screenshots of both pages, when TESSARIN_SHOTS names a folder.
+TEST(ImageOrganiserDialogShots, BothPages) {
+  const QByteArray shots = qgetenv("TESSARIN_SHOTS");
+  if (shots.isEmpty()) GTEST_SKIP() << "set TESSARIN_SHOTS to a folder";
+  for (int language : {Messages::kEnglish, Messages::kFrench}) {
+    TestContext t;
+    t.ctx.messages.LanguageNumber = language;
+    t.ctx.messages.LoadMessages();
+    t.ctx.store.AppendGame("pacman", "pacman;A1;0;B#Z");
+    t.ctx.settings.InfWrite("TitlesPath", "/data/images/titles/");
+    t.ctx.settings.InfWrite("Frm10DestPath1", "/data/frontend/titles/");
+    ImageOrganiserDialog dialog(nullptr, t.ctx);
+    dialog.show();
+    const QString suffix =
+        QStringLiteral("%1-%2x")
+            .arg(language == Messages::kFrench ? QStringLiteral("fr") : QStringLiteral("en"))
+            .arg(qRound(dialog.devicePixelRatioF()));
+    const QString folder = QString::fromLocal8Bit(shots);
+    EXPECT_TRUE(dialog.grab().save(folder + QStringLiteral("/organiser-page0-") + suffix +
+                                   QStringLiteral(".png")));
+    dialog.StartJob(0);
+    dialog.ChooseKind(1);
+    dialog.adjustSize();
+    EXPECT_TRUE(dialog.grab().save(folder + QStringLiteral("/organiser-page1-") + suffix +
+                                   QStringLiteral(".png")));
+  }
+}
+
+}  // namespace
+}  // namespace tessarin
