@@ -1,6 +1,7 @@
 #include "sheet/gamedetails.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -86,11 +87,40 @@ Range SplitRange(std::string_view field) {
   return range;
 }
 
+// The first `needle` in `text` from `from` on; npos when there is none. A byte loop behind
+// memchr: the needles here are a few bytes long and the texts are searched thousands of times
+// a second, where a library call per candidate costs more than the comparison.
+size_t FindText(std::string_view text, std::string_view needle, size_t from = 0) {
+  const size_t n = text.size();
+  const size_t m = needle.size();
+  if (m == 0 || m > n) return std::string_view::npos;
+  const char* base = text.data();
+  while (from + m <= n) {
+    const void* p = std::memchr(base + from, needle[0], n - m + 1 - from);
+    if (p == nullptr) return std::string_view::npos;
+    const size_t at = static_cast<size_t>(static_cast<const char*>(p) - base);
+    size_t k = 1;
+    while (k < m && base[at + k] == needle[k]) ++k;
+    if (k == m) return at;
+    from = at + 1;
+  }
+  return std::string_view::npos;
+}
+
+// StartsWith as a byte loop, for the per-piece tests of the XML pass.
+bool HasPrefix(std::string_view text, std::string_view prefix) {
+  if (text.size() < prefix.size()) return false;
+  for (size_t i = 0; i < prefix.size(); ++i) {
+    if (text[i] != prefix[i]) return false;
+  }
+  return true;
+}
+
 // Every occurrence of `find` in `text` becomes `replacement`, left to right, scanning on behind
 // each replaced text. Nothing is copied when `find` isn't there.
 void ReplaceAll(std::string& text, std::string_view find, std::string_view replacement) {
   if (find.empty()) return;
-  size_t hit = text.find(find);
+  size_t hit = FindText(text, find);
   if (hit == std::string::npos) return;
   if (replacement.size() <= find.size()) {
     // Shrinking or equal: compact in place.
@@ -102,20 +132,39 @@ void ReplaceAll(std::string& text, std::string_view find, std::string_view repla
       std::memcpy(&text[write], replacement.data(), replacement.size());
       write += replacement.size();
       read = hit + find.size();
-      hit = text.find(find, read);
+      hit = FindText(text, find, read);
     }
     const size_t rest = text.size() - read;
     if (write != read) std::memmove(&text[write], &text[read], rest);
     text.resize(write + rest);
     return;
   }
-  text = FastReplace(text, find, replacement, 1, kAllMatches, 0);
+  // Growing: in place, going on behind each replaced text (a fill finds its mark once).
+  while (hit != std::string::npos) {
+    text.replace(hit, find.size(), replacement);
+    hit = FindText(text, find, hit + replacement.size());
+  }
+}
+
+// The first place from `from` on where byte `a` is directly followed by byte `b`.
+size_t FindPair(std::string_view text, char a, char b, size_t from) {
+  const char* base = text.data();
+  const size_t n = text.size();
+  while (from + 1 < n) {
+    const void* p = std::memchr(base + from, a, n - 1 - from);
+    if (p == nullptr) return std::string_view::npos;
+    const size_t at = static_cast<size_t>(static_cast<const char*>(p) - base);
+    if (base[at + 1] == b) return at;
+    from = at + 1;
+  }
+  return std::string_view::npos;
 }
 
 // A list item is born as its first value followed by the template of marks.
 void OpenItem(DetailList& list, std::string_view value, std::string_view marks) {
   std::string item;
-  item.reserve(value.size() + marks.size());
+  // Room for the values that will take the marks' places (a rom's sha1 is 40 bytes).
+  item.reserve(value.size() + marks.size() + 96);
   item.append(value);
   item.append(marks);
   list.push_back(std::move(item));
@@ -219,6 +268,13 @@ struct FileStamp {
   fs::file_time_type time{};
   bool operator==(const FileStamp&) const = default;
 };
+
+// A time stamp that is some seconds old: a change made after it was read gets a later stamp
+// even on file systems that stamp coarsely, so a cache keyed on it can be trusted. A younger
+// stamp may be shared by a change still to come, and a cache keyed on it is used once only.
+bool Settled(fs::file_time_type time) {
+  return time < fs::file_time_type::clock::now() - std::chrono::seconds(2);
+}
 
 bool StampOf(const std::string& path, FileStamp& stamp) {
   std::error_code ec;
@@ -341,36 +397,55 @@ void ReduceRatio(std::int32_t& width, std::int32_t& height) {
   }
 }
 
-std::string ReadPersonalNotes(const std::string& appFolder, std::string_view name,
-                              const std::string& path) {
-  std::string file = path;
-  if (file.empty()) {
-    file = FindFileNoCase(appFolder, "notes.txt");
-    if (!FileExists(file)) file = ResolveNoCase(appFolder, "DataFiles/notes.txt");
-  }
-  if (!FileExists(file)) return {};
-  DataLineReader reader;
-  if (!reader.Open(file)) return {};
+namespace {
+
+// The notes file of the default places: "notes.txt" in the application folder, else in
+// "DataFiles", either found without regard to case; empty when there is none.
+std::string DefaultNotesPath(const std::string& appFolder) {
+  std::string file = FindFileNoCase(appFolder, "notes.txt");
+  if (FileExists(file)) return file;
+  file = ResolveNoCase(appFolder, "DataFiles/notes.txt");
+  return FileExists(file) ? file : std::string();
+}
+
+// A game's block in the text of a notes file: the lines behind the first line that holds the
+// tag, up to the first line whose blank-trimmed text starts with "[". Every line end of the
+// file (CR LF, LF, CR) ends a line; the lines are joined with CR LF.
+std::string NotesBlock(std::string_view content, std::string_view name) {
   std::string tag = "[";
   tag.append(name);
   tag.push_back(']');
-  std::string_view line;
-  bool found = false;
-  while (reader.ReadLine(line)) {
-    if (line.find(tag) != std::string_view::npos) {
-      found = true;
-      break;
-    }
-  }
-  if (!found) return {};
+  // A tag with a line end in it can't stand on one line.
+  if (tag.find_first_of("\r\n") != std::string::npos) return {};
+  const size_t at = FindText(content, tag);
+  if (at == std::string_view::npos) return {};
+  auto lineEnd = [&](size_t from) {
+    const size_t end = content.find_first_of("\r\n", from);
+    return end == std::string_view::npos ? content.size() : end;
+  };
+  size_t position = lineEnd(at);
+  position += LineEndAt(content, position);
   std::string notes;
-  while (reader.ReadLine(line)) {
+  while (position < content.size()) {
+    const size_t end = lineEnd(position);
+    const std::string_view line = content.substr(position, end - position);
     if (StartsWith(TrimBlanks(line), "[")) break;
     notes.append(line);
     notes.append("\r\n");
+    position = end + LineEndAt(content, end);
   }
   if (notes.size() >= 2) notes.resize(notes.size() - 2);
   return notes;
+}
+
+}  // namespace
+
+std::string ReadPersonalNotes(const std::string& appFolder, std::string_view name,
+                              const std::string& path) {
+  const std::string file = path.empty() ? DefaultNotesPath(appFolder) : path;
+  std::string content;
+  if (file.empty() || !FileExists(file) || !ReadWholeFile(file, content)) return {};
+  return NotesBlock(content, name);
 }
 
 std::string BuildClonesListPlain(const GameStore& store, std::string_view name, bool asLinks) {
@@ -405,6 +480,15 @@ struct GameDetailsLoader::Caches {
   bool historyScanned = false;
   std::vector<long long> bioPositions;
 
+  // The notes file: where it is, as long as the two folders it may be in are unchanged, and
+  // its text, as long as the file is unchanged.
+  fs::file_time_type appFolderTime{}, dataFolderTime{};
+  bool notesResolved = false;
+  std::string notesPath;
+  FileStamp notesStamp;
+  bool notesRead = false;
+  std::string notesText;
+
   // Scratch room reused from game to game.
   std::string block;
   std::vector<std::string_view> pieces;
@@ -421,6 +505,8 @@ void GameDetailsLoader::InvalidateCaches() {
   m_caches->parents.clear();
   m_caches->historyScanned = false;
   m_caches->bioPositions.clear();
+  m_caches->notesResolved = false;
+  m_caches->notesRead = false;
 }
 
 std::string GameDetailsLoader::BuildClonesList(std::string_view name, bool asLinks) {
@@ -498,12 +584,61 @@ std::string GameDetailsLoader::ReadMameinfoEntry(std::string_view name) {
 
 namespace {
 
-// The History text of an entry: read from the 1-based `start` for `length` bytes (as far as the
-// file goes), begun after the first "$bio" of that block when there is one, and cut before the
-// line end in front of the first "$end" behind that. Only the bytes up to that "$end" are read;
-// where the first "$bio" of the block lies comes from the marks found once per file.
-std::string ReadHistoryText(const std::string& path, long long start, long long length,
-                            const std::vector<long long>& bioPositions) {
+// The places of every "$bio" of a History file, in order.
+std::vector<long long> ScanBioMarks(const std::string& path);
+
+// Reads a file forward from `from` up to `end` in growing steps, keeping what it read.
+class ForwardReader final {
+ public:
+  ForwardReader(std::ifstream& file, long long from, long long end)
+      : m_file(file), m_from(from), m_end(end) {
+    m_file.clear();
+    m_file.seekg(from);
+  }
+  // Reads one more step; false at the end.
+  bool More() {
+    const long long readTo = m_from + static_cast<long long>(text.size());
+    if (readTo >= m_end) return false;
+    const long long want = std::min<long long>(static_cast<long long>(m_step), m_end - readTo);
+    const size_t old = text.size();
+    text.resize(old + static_cast<size_t>(want));
+    m_file.read(text.data() + old, static_cast<std::streamsize>(want));
+    const size_t got = static_cast<size_t>(m_file.gcount());
+    text.resize(old + got);
+    m_step *= 2;
+    return got > 0;
+  }
+  std::string text;  // the bytes from `from` on
+
+ private:
+  std::ifstream& m_file;
+  long long m_from;
+  long long m_end;
+  size_t m_step = 16 * 1024;
+};
+
+// The text from `from` to `end`, cut before the line end in front of its first "$end"; only the
+// bytes up to that "$end" are read.
+std::string ReadUpToEnd(std::ifstream& file, long long from, long long end) {
+  if (from >= end) return {};
+  ForwardReader reader(file, from, end);
+  size_t searchFrom = 0;
+  while (reader.More()) {
+    const size_t hit = FindText(reader.text, "$end", searchFrom);
+    if (hit != std::string::npos) return CutBeforeEnd(reader.text, hit);
+    // "$end" may straddle two reads.
+    searchFrom = reader.text.size() >= 3 ? reader.text.size() - 3 : 0;
+  }
+  return std::move(reader.text);
+}
+
+}  // namespace
+
+std::string GameDetailsLoader::ReadHistoryText(const std::string& path, long long start,
+                                               long long length) {
+  // The block is `length` bytes from the 1-based `start` (as far as the file goes); the text
+  // begins 6 bytes behind the block's first "$bio" when there is one, and is cut before the line
+  // end in front of the first "$end" behind that.
   std::ifstream file(FsPath(path), std::ios::binary);
   if (!file || length <= 0) return {};
   file.seekg(0, std::ios::end);
@@ -514,36 +649,42 @@ std::string ReadHistoryText(const std::string& path, long long start, long long 
   if (end > size) end = size;
   if (end <= begin) return {};
 
-  long long textBegin = begin;
-  const auto bio = std::lower_bound(bioPositions.begin(), bioPositions.end(), begin);
-  if (bio != bioPositions.end() && *bio + 4 <= end) {
-    textBegin = *bio + 6;
-    if (textBegin >= end) return {};
-  }
-
-  // Read on in growing steps until "$end" turns up or the block ends.
-  std::string text;
-  long long readTo = textBegin;
-  size_t step = 16 * 1024;
+  // Read on until the first "$bio" or "$end". An entry's own "$bio" comes before its "$end".
+  ForwardReader reader(file, begin, end);
   size_t searchFrom = 0;
-  file.seekg(textBegin);
-  while (readTo < end) {
-    const long long want = std::min<long long>(static_cast<long long>(step), end - readTo);
-    const size_t old = text.size();
-    text.resize(old + static_cast<size_t>(want));
-    file.read(text.data() + old, static_cast<std::streamsize>(want));
-    const size_t got = static_cast<size_t>(file.gcount());
-    text.resize(old + got);
-    readTo += static_cast<long long>(got);
-    const size_t hit = text.find("$end", searchFrom);
-    if (hit != std::string::npos) return CutBeforeEnd(text, hit);
-    // "$end" may straddle two reads.
-    searchFrom = text.size() >= 3 ? text.size() - 3 : 0;
-    if (got == 0) break;
-    step *= 2;
+  size_t firstEnd = std::string::npos;
+  while (reader.More()) {
+    const size_t bio = FindText(reader.text, "$bio", searchFrom);
+    const size_t stop = FindText(reader.text, "$end", searchFrom);
+    if (bio != std::string::npos && (stop == std::string::npos || bio < stop)) {
+      return ReadUpToEnd(file, begin + static_cast<long long>(bio) + 6, end);
+    }
+    if (stop != std::string::npos) {
+      firstEnd = stop;
+      break;
+    }
+    searchFrom = reader.text.size() >= 3 ? reader.text.size() - 3 : 0;
   }
-  return text;
+  if (firstEnd == std::string::npos) {
+    // The whole block is read and holds neither mark.
+    return std::move(reader.text);
+  }
+  // An entry without "$bio": the first "$bio" further on in the block decides, as far as the
+  // block goes. Where the marks are is found once per file.
+  Caches& c = *m_caches;
+  FileStamp stamp;
+  StampOf(path, stamp);
+  if (!c.historyScanned || !(stamp == c.historyStamp)) {
+    c.bioPositions = ScanBioMarks(path);
+    c.historyStamp = stamp;
+    c.historyScanned = Settled(stamp.time);
+  }
+  const auto bio = std::lower_bound(c.bioPositions.begin(), c.bioPositions.end(), begin);
+  if (bio != c.bioPositions.end() && *bio + 4 <= end) return ReadUpToEnd(file, *bio + 6, end);
+  return CutBeforeEnd(reader.text, firstEnd);
 }
+
+namespace {
 
 std::vector<long long> ScanBioMarks(const std::string& path) {
   std::vector<long long> positions;
@@ -688,15 +829,8 @@ GameDetails GameDetailsLoader::LoadGameDetails(std::string& name, std::int32_t i
         } else {
           const std::string path = FindDataFile(m_ctx, "DataFile2", "DataFiles/history.dat");
           if (!path.empty()) {
-            FileStamp stamp;
-            StampOf(path, stamp);
-            if (!c.historyScanned || !(stamp == c.historyStamp)) {
-              c.bioPositions = ScanBioMarks(path);
-              c.historyStamp = stamp;
-              c.historyScanned = true;
-            }
             const Range range = SplitRange(field);
-            details.History = ReadHistoryText(path, range.start, range.second, c.bioPositions);
+            details.History = ReadHistoryText(path, range.start, range.second);
           }
         }
       }
@@ -742,9 +876,40 @@ GameDetails GameDetailsLoader::LoadGameDetails(std::string& name, std::int32_t i
     }
 
     // 8. The user's own notes.
-    details.PersonalNotes = ReadPersonalNotes(folder, details.RomName, std::string());
+    details.PersonalNotes = NotesOf(details.RomName);
   });
   return details;
+}
+
+std::string GameDetailsLoader::NotesOf(std::string_view name) {
+  Caches& c = *m_caches;
+  const std::string& folder = m_ctx.AppFolder();
+  // Finding the file without regard to case reads the folders: done again only when one of
+  // them changed (a file added, removed or renamed changes its folder's time).
+  std::error_code appError, dataError;
+  const fs::file_time_type appTime = fs::last_write_time(FsPath(folder), appError);
+  const fs::file_time_type dataTime =
+      fs::last_write_time(FsPath(DataFilesFolder(folder)), dataError);
+  if (!c.notesResolved || appTime != c.appFolderTime || dataTime != c.dataFolderTime) {
+    c.notesPath = DefaultNotesPath(folder);
+    c.appFolderTime = appTime;
+    c.dataFolderTime = dataTime;
+    c.notesResolved = Settled(appTime) && Settled(dataTime);
+    c.notesRead = false;
+  }
+  if (c.notesPath.empty()) return {};
+  FileStamp stamp;
+  if (!StampOf(c.notesPath, stamp)) {
+    c.notesResolved = false;  // gone since: look again next time
+    return {};
+  }
+  if (!c.notesRead || !(stamp == c.notesStamp)) {
+    c.notesText.clear();
+    if (!ReadWholeFile(c.notesPath, c.notesText)) return {};
+    c.notesStamp = stamp;
+    c.notesRead = Settled(stamp.time);
+  }
+  return NotesBlock(c.notesText, name);
 }
 
 void GameDetailsLoader::ListInfoPass(GameDetails& d, std::string& name) {
@@ -910,23 +1075,32 @@ void GameDetailsLoader::XmlPass(GameDetails& d) {
   Caches& c = *m_caches;
   std::string& text = c.block;
 
-  // The block ends with the game's closing element: what follows (a device, the list's end)
-  // is no part of the game.
+  // One pass over the block: tabs and every line end (CR LF, LF, CR) go, so that the elements
+  // meet as "><"; "<game " becomes "game "; and the block ends behind the game's closing element
+  // ("</machine>" or "</game>"), as what follows (a device, the list's end) is no part of it.
   {
-    const size_t machine = text.find("</machine>");
-    const size_t game = text.find("</game>");
-    size_t cut = std::string::npos;
-    if (machine != std::string::npos) cut = machine + 10;
-    if (game != std::string::npos && (cut == std::string::npos || game + 7 < cut)) {
-      cut = game + 7;
+    char* out = text.data();
+    const char* in = text.data();
+    const size_t n = text.size();
+    size_t w = 0;
+    for (size_t r = 0; r < n; ++r) {
+      const char ch = in[r];
+      if (ch == '\t' || ch == '\r' || ch == '\n') continue;
+      out[w++] = ch;
+      if (ch == ' ') {
+        if (w >= 6 && out[w - 2] == 'e' && std::memcmp(out + w - 6, "<game ", 6) == 0) {
+          std::memmove(out + w - 6, out + w - 5, 5);
+          --w;
+        }
+      } else if (ch == '>' && w >= 7 && out[w - 2] == 'e') {
+        if ((w >= 10 && std::memcmp(out + w - 10, "</machine>", 10) == 0) ||
+            std::memcmp(out + w - 7, "</game>", 7) == 0) {
+          break;
+        }
+      }
     }
-    if (cut != std::string::npos) text.resize(cut);
+    text.resize(w);
   }
-  // Tabs and every line end (CR LF, LF, CR) go, so the elements meet as "><".
-  text.erase(std::remove_if(text.begin(), text.end(),
-                            [](char ch) { return ch == '\t' || ch == '\r' || ch == '\n'; }),
-             text.end());
-  ReplaceAll(text, "<game ", "game ");
   if (text.find('&') != std::string::npos) {
     ReplaceAll(text, "&#60", "<");
     ReplaceAll(text, "&lt;", "<");
@@ -943,7 +1117,8 @@ void GameDetailsLoader::XmlPass(GameDetails& d) {
   {
     const std::string_view all = text;
     size_t from = 0;
-    for (size_t hit = all.find("><"); hit != std::string_view::npos; hit = all.find("><", from)) {
+    for (size_t hit = FindPair(all, '>', '<', 0); hit != std::string_view::npos;
+         hit = FindPair(all, '>', '<', from)) {
       pieces.push_back(all.substr(from, hit - from));
       from = hit + 2;
     }
@@ -958,28 +1133,42 @@ void GameDetailsLoader::XmlPass(GameDetails& d) {
   for (size_t i = 0; i + 1 < pieces.size(); ++i) {
     const std::string_view piece = pieces[i];
     bool plain = false;
-    for (const std::string_view start : kPlain) {
-      if (StartsWith(piece, start)) {
-        plain = true;
+    // Most pieces start with none of the letters of the elements looked for.
+    switch (piece.empty() ? '\0' : piece.front()) {
+      case 'b':
+      case 'r':
+      case 'd':
+      case 's':
+      case 'c':
+      case 'v':
+        for (const std::string_view start : kPlain) {
+          if (HasPrefix(piece, start)) {
+            plain = true;
+            break;
+          }
+        }
         break;
-      }
+      case 'i':
+        break;
+      default:
+        continue;
     }
     if (plain) {
       ParseTagAttributes(piece, false, Attributes);
-    } else if (StartsWith(piece, "input ")) {
+    } else if (HasPrefix(piece, "input ")) {
       ParseTagAttributes(piece, false, Attributes);
-      for (size_t j = i + 1; j < pieces.size() && StartsWith(pieces[j], "control "); ++j) {
+      for (size_t j = i + 1; j < pieces.size() && HasPrefix(pieces[j], "control "); ++j) {
         joined.assign("input ");
         joined.append(pieces[j]);
         ReplaceAll(joined, "control type", "control_type");
         ParseTagAttributes(joined, true, Attributes);
       }
-    } else if (StartsWith(piece, "dipswitch ")) {
+    } else if (HasPrefix(piece, "dipswitch ")) {
       ParseTagAttributes(piece, false, Attributes);
       for (size_t j = i + 1; j < pieces.size(); ++j) {
         // Today's switches give the places of their switches first: passed over.
-        if (StartsWith(pieces[j], "diplocation ")) continue;
-        if (!StartsWith(pieces[j], "dipvalue ")) break;
+        if (HasPrefix(pieces[j], "diplocation ")) continue;
+        if (!HasPrefix(pieces[j], "dipvalue ")) break;
         joined.assign("dipswitch ");
         joined.append(pieces[j]);
         ReplaceAll(joined, "dipvalue ", "dipvalue_");
@@ -993,7 +1182,7 @@ void GameDetailsLoader::XmlPass(GameDetails& d) {
   for (int k = 1; k <= Attributes.AttrCount; ++k) {
     std::string_view key = Attributes.AttrKeys[static_cast<size_t>(k)];
     const std::string& value = Attributes.AttrValues[static_cast<size_t>(k)];
-    if (StartsWith(key, "*")) key.remove_prefix(1);
+    if (HasPrefix(key, "*")) key.remove_prefix(1);
     d.Working = true;
     const size_t underscore = key.find('_');
     const std::string_view element = key.substr(0, underscore);

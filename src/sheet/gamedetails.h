@@ -168,6 +168,10 @@ class GameDetailsLoader final {
   // The two readings of a game's dump block (held in the caches' scratch room).
   void XmlPass(GameDetails& details);
   void ListInfoPass(GameDetails& details, std::string& name);
+  // The History text of a "start,end" range, read only as far as it needs.
+  std::string ReadHistoryText(const std::string& path, long long start, long long length);
+  // ReadPersonalNotes in the default places, without finding the file anew for every game.
+  std::string NotesOf(std::string_view name);
 
   AppContext& m_ctx;
   std::unique_ptr<Caches> m_caches;

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <filesystem>
 
 #include "sheettestsupport.h"
@@ -507,6 +508,55 @@ TEST(LoadGameDetails, EmptyBlockLeavesWorkingFalse) {
   EXPECT_EQ(d.Resolution, "");
   EXPECT_EQ(loader.RomList, List({}));
 }
+
+// Gives the files and folders named stamps of an hour ago plus `step` seconds, as if they had
+// been written long before the loader looks (then the loader keeps what it found), each step
+// later than the one before (as real changes are).
+void Age(const std::vector<std::string>& paths, int step) {
+  const auto when = std::filesystem::file_time_type::clock::now() - std::chrono::hours(1) +
+                    std::chrono::seconds(step);
+  for (const std::string& path : paths) {
+    std::error_code ec;
+    if (std::filesystem::exists(path, ec)) std::filesystem::last_write_time(path, when, ec);
+  }
+}
+
+void NotesFollowTheFile(bool aged) {
+  SheetHome home("old_game_crlf.xml", true, {});
+  ASSERT_TRUE(home.built);
+  const std::string app = home.Folder();
+  const std::vector<std::string> places = {app, app + "DataFiles", app + "notes.txt",
+                                           app + "DataFiles/Notes.TXT"};
+  int step = 0;
+  auto settle = [&] {
+    if (aged) Age(places, ++step);
+  };
+  settle();
+  GameDetailsLoader loader(home.ctx);
+  EXPECT_EQ(Load(loader, "zorbmain").PersonalNotes, "");
+  // A file that appears later, under another case, in the data folder.
+  WriteBytes(app + "DataFiles/Notes.TXT", "[zorbmain]\r\nfirst\r\n");
+  settle();
+  EXPECT_EQ(Load(loader, "zorbmain").PersonalNotes, "first");
+  EXPECT_EQ(Load(loader, "zorbmain").PersonalNotes, "first");
+  // Then one in the application folder, which comes first.
+  WriteBytes(app + "notes.txt", "[zorbmain]\r\nsecond\r\n");
+  settle();
+  EXPECT_EQ(Load(loader, "zorbmain").PersonalNotes, "second");
+  // Edited in place, to a text of the same length.
+  WriteBytes(app + "notes.txt", "[zorbmain]\r\nSECOND\r\n");
+  settle();
+  EXPECT_EQ(Load(loader, "zorbmain").PersonalNotes, "SECOND");
+  std::filesystem::remove(app + "notes.txt");
+  settle();
+  EXPECT_EQ(Load(loader, "zorbmain").PersonalNotes, "first");
+  std::filesystem::remove(app + "DataFiles/Notes.TXT");
+  settle();
+  EXPECT_EQ(Load(loader, "zorbmain").PersonalNotes, "");
+}
+
+TEST(LoadGameDetails, NotesFollowTheFileOnDisk) { NotesFollowTheFile(false); }
+TEST(LoadGameDetails, NotesFollowTheFileOnDiskWhenItsStampsAreOld) { NotesFollowTheFile(true); }
 
 // ---- small routines ----
 

@@ -5,6 +5,7 @@
 
 #include <QTemporaryDir>
 #include <algorithm>
+#include <chrono>
 #include <filesystem>
 #include <random>
 #include <string>
@@ -117,6 +118,9 @@ TEST(HistoryText, MatchesThePlainReadingOnGeneratedFiles) {
     q.emplace_back(static_cast<long long>(file.size()) - 2, 100);  // behind the end
 
     HistoryHome home(file, q);
+    // An old file: the loader keeps the places of its marks from the first game on.
+    std::filesystem::last_write_time(
+        home.historyPath, std::filesystem::file_time_type::clock::now() - std::chrono::hours(1));
     GameDetailsLoader loader(home.ctx);
     for (size_t i = 0; i < q.size(); ++i) {
       std::string name;
@@ -141,11 +145,16 @@ TEST(HistoryText, EntryWithoutBioRunsIntoTheNextBio) {
 TEST(HistoryText, AFileChangedOnDiskIsReadAnew) {
   const std::string first = "head\r\n$info=g1\r\n$bio\r\nOld text.\r\n$end\r\n";
   HistoryHome home(first, {{6, 40}});
+  std::filesystem::last_write_time(
+      home.historyPath, std::filesystem::file_time_type::clock::now() - std::chrono::hours(1));
   GameDetailsLoader loader(home.ctx);
   std::string name = "g1";
   EXPECT_EQ(loader.LoadGameDetails(name, 0, false).History, "Old text.");
-  // Same range, a "$bio" moved: the marks found before must not be used again.
+  // Same range, a "$bio" moved: the marks found before must not be used again, even when both
+  // files carry old stamps.
   WriteBytes(home.historyPath, "head\r\n$info=g1\r\nxx\r\n$bio\r\nNew text, longer.\r\n$end\r\n");
+  std::filesystem::last_write_time(
+      home.historyPath, std::filesystem::file_time_type::clock::now() - std::chrono::minutes(30));
   // The range ends just before the "$end" now: no cut, the line end stays.
   EXPECT_EQ(loader.LoadGameDetails(name, 0, false).History, "New text, longer.\r\n");
   EXPECT_EQ(PlainHistory(ReadBytes(home.historyPath), 6, 40), "New text, longer.\r\n");
