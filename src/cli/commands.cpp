@@ -31,6 +31,7 @@ int RunCli(int argc, char** argv, const std::string& executableFolder) {
   RegisterTranslateCommands(registry);
   RegisterListCommands(registry);
   RegisterSearchCommands(registry);
+  RegisterImageCommands(registry);
 
   try {
     app.parse(argc, argv);

@@ -87,5 +87,6 @@ void RegisterSheetCommands(CliRegistry& registry);
 void RegisterTranslateCommands(CliRegistry& registry);
 void RegisterListCommands(CliRegistry& registry);
 void RegisterSearchCommands(CliRegistry& registry);
+void RegisterImageCommands(CliRegistry& registry);
 
 }  // namespace tessarin

@@ -1,9 +1,11 @@
 #include "sheet/sheettext.h"
 
 #include <cstdio>
-#include <string_view>
+#include <cstdlib>
+#include <string>
 #include <vector>
 
+#include "app/context.h"
 #include "core/messages.h"
 #include "sheet/textdisplay.h"
 #include "store/faststrings.h"
@@ -14,35 +16,105 @@ namespace {
 
 constexpr std::string_view kCrLf = "\r\n";
 
-std::string_view Flag(bool value) { return value ? "True" : "False"; }
+constexpr std::string_view kDiskLabels[] = {
+    "Md5: ", "Sha1: ", "Merge: ", "Region: ", "Index: ", "Status: "};
+constexpr std::string_view kRomLabels[] = {"Size: ", "CRC: ",   "Sha1: ",   "Region: ", "Offset: ",
+                                           "Bios: ", "Merge: ", "Status: ", "Dispose: "};
 
-// The number a text begins with; 0 when there is none.
-long long NumberOf(std::string_view text) {
-  size_t i = 0;
-  while (i < text.size() && text[i] == ' ') ++i;
-  bool negative = false;
-  if (i < text.size() && (text[i] == '-' || text[i] == '+')) negative = text[i++] == '-';
-  long long value = 0;
-  for (; i < text.size() && text[i] >= '0' && text[i] <= '9' && value < 1000000000000LL; ++i) {
-    value = value * 10 + (text[i] - '0');
+// Writes values and messages into the boxes, as bytes or ready to show.
+class Writer {
+ public:
+  Writer(const Messages& messages, SheetTextMode mode) : m_messages(messages), m_mode(mode) {}
+
+  std::string Value(std::string_view bytes) const {
+    return m_mode == SheetTextMode::Display ? DisplayUtf8(bytes) : std::string(bytes);
   }
-  return negative ? -value : value;
+  // A description or a manufacturer, whose XML entities a display decodes.
+  std::string Named(std::string_view bytes) const {
+    return m_mode == SheetTextMode::Display ? DisplayUtf8(DecodeXmlEntities(bytes))
+                                            : std::string(bytes);
+  }
+  std::string Lng(int number) const { return Value(m_messages.Lng(number)); }
+  static std::string Flag(bool flag) { return flag ? "True" : "False"; }
+
+ private:
+  const Messages& m_messages;
+  SheetTextMode m_mode;
+};
+
+// Blanks off both ends, as the notes are trimmed.
+std::string_view TrimBlanks(std::string_view text) {
+  const size_t first = text.find_first_not_of(' ');
+  if (first == std::string_view::npos) return {};
+  return text.substr(first, text.find_last_not_of(' ') - first + 1);
 }
 
-std::string Replaced(std::string_view text, std::string_view find, std::string_view by) {
-  return FastReplace(text, find, by, 1, kAllMatches, 0);
+// The number a text begins with, as a display of "the number in" a field reads it.
+double LeadingValue(const std::string& text) { return std::strtod(text.c_str(), nullptr); }
+
+std::string BiosSets(const DetailList& list, const Writer& w) {
+  std::string text = "BIOS SET";
+  for (size_t i = 1; i < list.size(); ++i) {
+    const std::string& item = list[i];
+    text += kCrLf;
+    const size_t semicolon = item.find(';');
+    if (semicolon == std::string::npos) {
+      text += w.Value(item);
+    } else {
+      text += w.Value(item.substr(0, semicolon)) + ": " +
+              w.Value(FastReplace(item.substr(semicolon + 1), ";", " - "));
+    }
+  }
+  text = FastReplace(text, "#D", "");
+  return FastReplace(text, "#F", "");
 }
 
-void AppendFields(std::string& box, std::string_view item,
-                  const std::vector<std::string_view>& labels) {
+std::string Chips(const DetailList& list, const Writer& w) {
+  std::string text = "CHIPS";
   std::vector<std::string> fields;
-  FastSplit(item, fields, ";");
-  if (fields.empty() || fields[0].empty()) return;
-  box.append(kCrLf).append(kCrLf).append("Name: ").append(fields[0]);
-  for (size_t f = 1; f < fields.size() && f - 1 < labels.size(); ++f) {
-    if (fields[f].empty() || fields[f][0] == '#') continue;
-    box.append(kCrLf).append(labels[f - 1]).append(fields[f]);
+  for (size_t i = 1; i < list.size(); ++i) {
+    text += kCrLf;
+    FastSplit(list[i], fields, ";");
+    // An item of fewer than three fields is shown as it stands.
+    if (fields.size() < 3) {
+      text += w.Value(list[i]);
+    } else {
+      text += w.Value(fields[1]) + " (" + w.Value(fields[0]) + ") - " + w.Value(fields[2]);
+    }
   }
+  text = FastReplace(text, "#N", "");
+  return FastReplace(text, "#C", "");
+}
+
+std::string DipSwitches(const DetailList& list, const Writer& w) {
+  std::string text = "DIPSWITCHS";
+  for (size_t i = 1; i < list.size(); ++i) {
+    std::string line = FastReplace(list[i], "#V;", "");
+    line = FastReplace(line, "#D", "");
+    text += kCrLf;
+    text += w.Value(FastReplace(line, ";", " - "));
+  }
+  return text;
+}
+
+template <size_t N>
+std::string NamedItems(std::string_view title, const DetailList& list,
+                       const std::string_view (&labels)[N], const Writer& w) {
+  std::string text(title);
+  std::vector<std::string> fields;
+  for (size_t i = 1; i < list.size(); ++i) {
+    FastSplit(list[i], fields, ";");
+    if (fields.empty() || fields[0].empty()) continue;
+    text += kCrLf;
+    text += kCrLf;
+    text += "Name: " + w.Value(fields[0]);
+    for (size_t f = 1; f < fields.size() && f <= N; ++f) {
+      if (fields[f].empty() || fields[f][0] == '#') continue;
+      text += kCrLf;
+      text += std::string(labels[f - 1]) + w.Value(fields[f]);
+    }
+  }
+  return text;
 }
 
 void JsonString(std::string& out, std::string_view bytes) {
@@ -80,122 +152,111 @@ void JsonString(std::string& out, std::string_view bytes) {
 
 }  // namespace
 
-SheetText LayOutSheetText(const GameDetails& d, GameDetailsLoader& loader,
-                          const Messages& messages) {
-  auto lng = [&](int n) -> const std::string& { return messages.Lng(n); };
-  SheetText s;
-  s.Label1 = d.Description;
+SheetDetailLists ListsOf(const GameDetailsLoader& loader) {
+  return {loader.RomList, loader.DiskList, loader.BiosSetList, loader.ChipList,
+          loader.DipSwitchList};
+}
 
-  std::string& t1 = s.Text1;
-  t1.append(lng(184)).append(d.RomName).append(kCrLf).append(kCrLf);
-  t1.append(lng(185)).append(Flag(d.HiscoreSupport)).append(kCrLf);
-  t1.append(lng(186)).append(Flag(d.CheatSupport)).append(kCrLf);
-  t1.append(lng(187)).append(Flag(!d.Command.empty()));
-  t1.append(kCrLf).append(lng(189)).append(d.DriverSavestate).append(kCrLf);
-  t1.append(kCrLf).append(lng(190)).append(d.Sample);
-  t1.append(kCrLf).append(lng(191)).append(d.Driver);
-  t1.append(kCrLf).append(lng(192)).append(d.DriverStatus);
-  t1.append(kCrLf).append(lng(193)).append(d.DriverEmulation);
-  t1.append(kCrLf).append(lng(194)).append(d.DriverColor);
-  t1.append(kCrLf).append(lng(195)).append(d.DriverSound);
-  t1.append(kCrLf).append(lng(196)).append(d.DriverGraphic);
-  t1.append(kCrLf).append(lng(197)).append(d.DriverCocktail).append(kCrLf);
-  t1.append(kCrLf).append(lng(198)).append(d.Screen);
-  t1.append(kCrLf).append(lng(199)).append(d.Orientation);
-  const std::string clones = loader.BuildClonesList(d.RomName, false);
-  if (!clones.empty()) t1.append(kCrLf).append(lng(200)).append(clones);
+SheetText LayOutSheetText(const GameDetails& d, const SheetDetailLists& lists,
+                          const Messages& messages, std::string_view clonesList,
+                          std::string_view parentMameinfo, SheetTextMode mode) {
+  const Writer w(messages, mode);
+  const auto flag = &Writer::Flag;
+  const std::string crlf(kCrLf);
+  SheetText t;
+  t.Label1 = w.Named(d.Description);
+  t.CurrentTitle = d.Description;
+  t.CurrentRom = d.RomName;
+  t.CurrentClone = d.CloneOf;
+  t.CurrentParent = d.RomOf;
+
+  std::string& t1 = t.Text1;
+  t1 = w.Lng(184) + w.Value(d.RomName) + crlf + crlf;
+  t1 += w.Lng(185) + flag(d.HiscoreSupport) + crlf;
+  t1 += w.Lng(186) + flag(d.CheatSupport) + crlf;
+  t1 += w.Lng(187) + flag(!d.Command.empty());
+  t1 += crlf + w.Lng(189) + w.Value(d.DriverSavestate) + crlf;
+  t1 += crlf + w.Lng(190) + w.Value(d.Sample);
+  t1 += crlf + w.Lng(191) + w.Value(d.Driver);
+  t1 += crlf + w.Lng(192) + w.Value(d.DriverStatus);
+  t1 += crlf + w.Lng(193) + w.Value(d.DriverEmulation);
+  t1 += crlf + w.Lng(194) + w.Value(d.DriverColor);
+  t1 += crlf + w.Lng(195) + w.Value(d.DriverSound);
+  t1 += crlf + w.Lng(196) + w.Value(d.DriverGraphic);
+  t1 += crlf + w.Lng(197) + w.Value(d.DriverCocktail) + crlf;
+  t1 += crlf + w.Lng(198) + w.Value(d.Screen);
+  t1 += crlf + w.Lng(199) + w.Value(d.Orientation);
+  if (!clonesList.empty()) t1 += crlf + w.Lng(200) + w.Value(clonesList);
   if (d.CloneOf.empty()) {
-    t1.append(kCrLf).append(lng(202));
+    t1 += crlf + w.Lng(202);
   } else {
-    t1.append(kCrLf).append(lng(201)).append(d.CloneOf);
+    t1 += crlf + w.Lng(201) + w.Value(d.CloneOf);
   }
 
-  std::string& t2 = s.Text2;
-  t2.append(lng(203)).append(d.Manufacturer);
-  t2.append(kCrLf).append(lng(204)).append(d.Year);
-  t2.append(kCrLf).append(lng(205)).append(d.VersionAdded).append(kCrLf);
-  t2.append(kCrLf).append(lng(206)).append(d.Genre);
-  t2.append(kCrLf).append(lng(207)).append(d.Category).append(kCrLf);
-  t2.append(kCrLf).append(lng(208)).append(Flag(d.Working));
-  t2.append(kCrLf).append(lng(209)).append(Flag(d.CorrectColors));
-  t2.append(kCrLf).append(lng(210)).append(Flag(d.CorrectSounds)).append(kCrLf);
-  t2.append(kCrLf).append(lng(211)).append(d.SoundChannels);
-  t2.append(kCrLf).append(lng(212)).append(NumberOf(d.Colors) == 0 ? d.DriverPalettesize
-                                                                   : d.Colors);
-  t2.append(kCrLf).append(lng(214)).append(d.Resolution);
-  t2.append(kCrLf).append(lng(215)).append(d.Aspect);
-  t2.append(kCrLf).append(lng(216)).append(d.Refresh).append("Hz").append(kCrLf);
-  t2.append(kCrLf).append(lng(217)).append(d.Control);
-  t2.append(kCrLf).append(lng(218)).append(d.Buttons);
-  t2.append(kCrLf).append(lng(219)).append(d.InputPlayers);
-  t2.append(kCrLf).append(lng(220)).append(d.CoinSlots);
-  t2.append(kCrLf).append(lng(221)).append(d.ServiceButton);
-  t2.append(kCrLf).append(lng(222)).append(d.TiltButton);
+  std::string& t2 = t.Text2;
+  t2 = w.Lng(203) + w.Named(d.Manufacturer);
+  t2 += crlf + w.Lng(204) + w.Value(d.Year);
+  t2 += crlf + w.Lng(205) + w.Value(d.VersionAdded) + crlf;
+  t2 += crlf + w.Lng(206) + w.Value(d.Genre);
+  t2 += crlf + w.Lng(207) + w.Value(d.Category) + crlf;
+  t2 += crlf + w.Lng(208) + flag(d.Working);
+  t2 += crlf + w.Lng(209) + flag(d.CorrectColors);
+  t2 += crlf + w.Lng(210) + flag(d.CorrectSounds) + crlf;
+  t2 += crlf + w.Lng(211) + w.Value(d.SoundChannels);
+  t2 += crlf + w.Lng(212) + w.Value(LeadingValue(d.Colors) == 0 ? d.DriverPalettesize : d.Colors);
+  t2 += crlf + w.Lng(214) + w.Value(d.Resolution);
+  t2 += crlf + w.Lng(215) + w.Value(d.Aspect);
+  t2 += crlf + w.Lng(216) + w.Value(d.Refresh) + "Hz" + crlf;
+  t2 += crlf + w.Lng(217) + w.Value(d.Control);
+  t2 += crlf + w.Lng(218) + w.Value(d.Buttons);
+  t2 += crlf + w.Lng(219) + w.Value(d.InputPlayers);
+  t2 += crlf + w.Lng(220) + w.Value(d.CoinSlots);
+  t2 += crlf + w.Lng(221) + w.Value(d.ServiceButton);
+  t2 += crlf + w.Lng(222) + w.Value(d.TiltButton);
 
-  // The sheet first writes the notes under message 223 and then replaces the box by the
-  // History; the notes come back at the end. Only the end state is kept here.
-  std::string& t3 = s.Text3;
-  t3.append("- HISTORY -").append(kCrLf).append(d.History);
-  t3.append(kCrLf).append("- MAMEINFO -");
+  // The notes written first are replaced by the history and come back at the end, under their
+  // own title: the stages stay in this order.
+  std::string& t3 = t.Text3;
+  t3 = w.Lng(223);
+  t3 += crlf + w.Value(TrimBlanks(d.PersonalNotes)) + crlf;
+  t3 = "- HISTORY -" + crlf + w.Value(d.History);
+  t3 += crlf + "- MAMEINFO -";
   if (!d.Mameinfo.empty()) {
-    t3.append(kCrLf).append(d.Mameinfo);
-  } else {
-    const std::string parent = loader.ReadMameinfoEntry(d.CloneOf);
-    if (!parent.empty()) t3.append(kCrLf).append(parent);
+    t3 += crlf + w.Value(d.Mameinfo);
+  } else if (!parentMameinfo.empty()) {
+    t3 += crlf + w.Value(parentMameinfo);
   }
   if (!d.PersonalNotes.empty()) {
-    t3.append(kCrLf).append(kCrLf).append("- NOTES -").append(kCrLf).append(d.PersonalNotes);
+    t3 += crlf + crlf + "- NOTES -" + crlf + w.Value(d.PersonalNotes);
   }
 
-  s.Text4 = "BIOS SET";
-  for (size_t i = 1; i < loader.BiosSetList.size(); ++i) {
-    const std::string& item = loader.BiosSetList[i];
-    std::string line;
-    const size_t semicolon = item.find(';');
-    if (semicolon != std::string::npos) {
-      line = item.substr(0, semicolon) + ": " + Replaced(item.substr(semicolon + 1), ";", " - ");
-    } else {
-      line = item;
-    }
-    line = Replaced(Replaced(line, "#D", ""), "#F", "");
-    s.Text4.append(kCrLf).append(line);
-  }
+  t.Text4 = BiosSets(lists.BiosSetList, w);
+  t.Text5 = Chips(lists.ChipList, w);
+  t.Text6 = DipSwitches(lists.DipSwitchList, w);
+  t.Text7 = NamedItems("DISKS", lists.DiskList, kDiskLabels, w);
+  t.Text8 = NamedItems("ROMS", lists.RomList, kRomLabels, w);
+  return t;
+}
 
-  s.Text5 = "CHIPS";
-  for (size_t i = 1; i < loader.ChipList.size(); ++i) {
-    const std::string& item = loader.ChipList[i];
-    std::vector<std::string> fields;
-    FastSplit(item, fields, ";");
-    std::string line;
-    if (fields.size() >= 3) {
-      line = fields[1] + " (" + fields[0] + ") - " + fields[2];
-    } else {
-      line = item;
-    }
-    line = Replaced(Replaced(line, "#N", ""), "#C", "");
-    s.Text5.append(kCrLf).append(line);
-  }
+SheetText LayOutSheetText(const GameDetails& details, GameDetailsLoader& loader,
+                          const Messages& messages, SheetTextMode mode) {
+  const std::string clones = loader.BuildClonesList(details.RomName, false);
+  // Only a game without a Mameinfo entry of its own looks at its parent's.
+  const std::string parentMameinfo =
+      details.Mameinfo.empty() ? loader.ReadMameinfoEntry(details.CloneOf) : std::string();
+  return LayOutSheetText(details, ListsOf(loader), messages, clones, parentMameinfo, mode);
+}
 
-  s.Text6 = "DIPSWITCHS";
-  for (size_t i = 1; i < loader.DipSwitchList.size(); ++i) {
-    s.Text6.append(kCrLf).append(
-        Replaced(Replaced(Replaced(loader.DipSwitchList[i], "#V;", ""), "#D", ""), ";", " - "));
+SheetText ShowGameText(AppContext& ctx, GameDetailsLoader& loader, const std::string& rom,
+                       SheetTextMode mode) {
+  if (ctx.store.GameCount() == 0) {
+    SheetText empty;
+    empty.CurrentRom = rom;
+    return empty;
   }
-
-  s.Text7 = "DISKS";
-  static const std::vector<std::string_view> kDiskLabels = {
-      "Md5: ", "Sha1: ", "Merge: ", "Region: ", "Index: ", "Status: "};
-  for (size_t i = 1; i < loader.DiskList.size(); ++i) {
-    AppendFields(s.Text7, loader.DiskList[i], kDiskLabels);
-  }
-  s.Text8 = "ROMS";
-  static const std::vector<std::string_view> kRomLabels = {
-      "Size: ", "CRC: ",   "Sha1: ",   "Region: ", "Offset: ",
-      "Bios: ", "Merge: ", "Status: ", "Dispose: "};
-  for (size_t i = 1; i < loader.RomList.size(); ++i) {
-    AppendFields(s.Text8, loader.RomList[i], kRomLabels);
-  }
-  return s;
+  std::string name = rom;
+  const GameDetails details = loader.LoadGameDetails(name, 0, false);
+  return LayOutSheetText(details, loader, ctx.messages, mode);
 }
 
 std::string GameDetailsJson(const GameDetails& details, const GameDetailsLoader& loader) {

@@ -8,6 +8,7 @@
 #include "online/updatedialog.h"
 #include "lists/listdialog.h"
 #include "search/searchdialog.h"
+#include "images/imageorganiserdialog.h"
 #include "shell/mainframe.h"
 #include "translate/translatedialog.h"
 
@@ -43,6 +44,8 @@ void RegisterSubsystemDialogs(MainFrame& frame) {
     return SearchDialog::Create(
         &f, f.Context(), f.Sites().Tables, [&f] { f.ShowPanel(); }, [&f] { f.UnloadPanel(); });
   });
+  frame.RegisterPanelDialog(6,
+                            [](MainFrame& f) { return new ImageOrganiserDialog(&f, f.Context()); });
 }
 
 }  // namespace tessarin

@@ -8,8 +8,11 @@
 
 #include <atomic>
 #include <chrono>
+#include <map>
+#include <mutex>
 #include <string>
 #include <thread>
+#include <vector>
 
 namespace tessarin::testing {
 
@@ -21,6 +24,7 @@ namespace tessarin::testing {
 //   /redirect   302 to /ok.txt
 //   /cut        200 that promises 100,000 bytes, sends 1,000 and hangs up
 //   /stall      200 that sends its headers and then nothing for 10 seconds
+// and 200 with the body given to AddFile for any other path a test adds.
 class TestHttpServer {
  public:
   static constexpr const char* kOkBody = "hello, this is the data file\n";
@@ -49,6 +53,16 @@ class TestHttpServer {
     return "http://127.0.0.1:" + std::to_string(m_port) + path;
   }
   int Requests() const { return m_requests.load(); }
+  // Serves `body` at `path` from now on.
+  void AddFile(const std::string& path, const std::string& body) {
+    std::lock_guard lock(m_filesMutex);
+    m_files[path] = body;
+  }
+  // The paths asked for, in order.
+  std::vector<std::string> Asked() const {
+    std::lock_guard lock(m_filesMutex);
+    return m_asked;
+  }
 
  private:
   void Serve() {
@@ -84,7 +98,21 @@ class TestHttpServer {
     ++m_requests;
     const std::size_t start = request.find(' ') + 1;
     const std::string path = request.substr(start, request.find(' ', start) - start);
-    if (path == "/ok.txt") {
+    std::string fileBody;
+    bool isFile = false;
+    {
+      std::lock_guard lock(m_filesMutex);
+      m_asked.push_back(path);
+      const auto found = m_files.find(path);
+      if (found != m_files.end()) {
+        fileBody = found->second;
+        isFile = true;
+      }
+    }
+    if (isFile) {
+      Send(client, "HTTP/1.0 200 OK\r\nContent-Length: " + std::to_string(fileBody.size()) +
+                       "\r\n\r\n" + fileBody);
+    } else if (path == "/ok.txt") {
       const std::string body = kOkBody;
       Send(client,
            "HTTP/1.0 200 OK\r\nContent-Length: " + std::to_string(body.size()) + "\r\n\r\n" + body);
@@ -113,6 +141,9 @@ class TestHttpServer {
   int m_port = 0;
   std::atomic<bool> m_stop{false};
   std::atomic<int> m_requests{0};
+  mutable std::mutex m_filesMutex;
+  std::map<std::string, std::string> m_files;
+  std::vector<std::string> m_asked;
   std::thread m_thread;
 };
 
