@@ -23,6 +23,7 @@ int RunCli(int argc, char** argv, const std::string& executableFolder) {
   CliRegistry registry(app);
   RegisterDatabaseCommands(registry);
   RegisterSettingsCommands(registry);
+  RegisterToolCommands(registry);
   RegisterSearchCommands(registry);
 
   try {

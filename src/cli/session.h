@@ -81,6 +81,7 @@ class CliRegistry final {
 // The command groups, one file of src/cli each.
 void RegisterDatabaseCommands(CliRegistry& registry);
 void RegisterSettingsCommands(CliRegistry& registry);
+void RegisterToolCommands(CliRegistry& registry);
 void RegisterSearchCommands(CliRegistry& registry);
 
 }  // namespace tessarin
