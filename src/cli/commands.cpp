@@ -19,12 +19,15 @@ int RunCli(int argc, char** argv, const std::string& executableFolder) {
   app.add_flag("-y,--yes", yes, "Answer yes to every question");
   app.set_version_flag("--version", "tessarin-cli " + AppVersion());
   app.require_subcommand(1, 1);
+  // --home and --yes may also stand behind the command's name.
+  app.fallthrough();
 
   CliRegistry registry(app);
   RegisterDatabaseCommands(registry);
   RegisterSettingsCommands(registry);
   RegisterToolCommands(registry);
   RegisterSearchCommands(registry);
+  RegisterUpdateCommands(registry);
 
   try {
     app.parse(argc, argv);

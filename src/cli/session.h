@@ -83,5 +83,6 @@ void RegisterDatabaseCommands(CliRegistry& registry);
 void RegisterSettingsCommands(CliRegistry& registry);
 void RegisterToolCommands(CliRegistry& registry);
 void RegisterSearchCommands(CliRegistry& registry);
+void RegisterUpdateCommands(CliRegistry& registry);
 
 }  // namespace tessarin

@@ -1,7 +1,10 @@
 // Where each subsystem's dialogs join the frame: a subsystem adds one line here, registering the
 // panel entry and menu entries that open its dialog. Entries nobody registers stay disabled.
+#include "app/context.h"
 #include "archive/ziptoolsdialog.h"
 #include "search/searchdialog.h"
+#include "layouts/layoutsdialog.h"
+#include "online/updatedialog.h"
 #include "shell/mainframe.h"
 
 namespace tessarin {
@@ -18,6 +21,17 @@ void RegisterSubsystemDialogs(MainFrame& frame) {
     return SearchDialog::Create(
         &f, f.Context(), f.Sites().Tables, [&f] { f.ShowPanel(); }, [&f] { f.UnloadPanel(); });
   });
+  const auto refreshPanel = [&frame] {
+    if (frame.Panel()) frame.Panel()->RefreshDatabaseLabel();
+  };
+  frame.RegisterMenuDialog(QStringLiteral("MnuUpdateData"), [refreshPanel](MainFrame& f) {
+    return new UpdateDialog(&f, f.Context(), refreshPanel);
+  });
+  frame.DataUpdateCheck = [&frame, refreshPanel](bool automatic) {
+    RunDataUpdateCheck(&frame, frame.Context(), automatic, refreshPanel);
+  };
+  frame.RegisterMenuDialog(QStringLiteral("MnuAtomicLayouts"),
+                           [](MainFrame& f) { return new LayoutsDialog(&f, f.Context()); });
 }
 
 }  // namespace tessarin

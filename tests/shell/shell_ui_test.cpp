@@ -25,17 +25,19 @@
 #include "core/work.h"
 #include "shell/aboutdialog.h"
 #include "shell/desktopshellui.h"
-#include "widgets/desktopui.h"
 #include "shell/mainframe.h"
 #include "shell/mainpanel.h"
 #include "shell/optionsdialog.h"
 #include "shell/pathwizarddialog.h"
 #include "shell/prioritydialog.h"
 #include "shell/startup.h"
-#include "widgets/windowhelpersui.h"
-#include "widgets/workingdialog.h"
 #include "shell_test_support.h"
 #include "store/indexfile.h"
+#include "support/routeserver.h"
+#include "support/zipmaker.h"
+#include "widgets/desktopui.h"
+#include "widgets/windowhelpersui.h"
+#include "widgets/workingdialog.h"
 
 namespace tessarin {
 namespace {
@@ -59,6 +61,12 @@ class ModalDriver final {
       QPointer<QWidget> target = modal;
       QTimer::singleShot(0, &m_timer, [this, target] {
         if (target) m_handler(target);
+        // A question the test doesn't answer gets the careful answer, as the quiet front end
+        // gives it (the first start's data update check asks one).
+        if (auto* box = qobject_cast<QMessageBox*>(target.data());
+            box && box->isVisible() && box->objectName() == QStringLiteral("YesNoBox")) {
+          box->button(QMessageBox::No)->click();
+        }
         m_last = nullptr;
       });
     });
@@ -149,12 +157,17 @@ TEST(DesktopStart, FirstStartAsksTheLanguageThenThePaths) {
       Click(modal, "Command1");
       EXPECT_EQ(text->text(), QStringLiteral("/opt/arcade/roms/"));
       Click(modal, "Command2");
+    } else if (auto* box = qobject_cast<QMessageBox*>(modal)) {
+      // The first start offers the data update check, in the language just chosen.
+      EXPECT_EQ(box->text(), MessageText(Messages::FrenchTable()[386]));
+      box->button(QMessageBox::No)->click();
     }
   });
   run.Start();
-  ASSERT_EQ(seen.size(), 2u);
+  ASSERT_EQ(seen.size(), 3u);
   EXPECT_EQ(seen[0], QStringLiteral("Form2"));
   EXPECT_EQ(seen[1], QStringLiteral("Form4"));
+  EXPECT_EQ(seen[2], QStringLiteral("YesNoBox"));
   EXPECT_TRUE(run.ctx.FirstRun);
   EXPECT_EQ(run.ctx.messages.LanguageNumber, Messages::kFrench);
   EXPECT_EQ(run.StoredKey("MDIState"), "2");
@@ -175,6 +188,7 @@ TEST(DesktopStart, WizardClosedAtOnceLeavesNoPathsYetTheProgramRuns) {
   ModalDriver driver([&](QWidget* modal) {
     if (modal->objectName() == QStringLiteral("Form2")) Click(modal, "Command1");
     if (modal->objectName() == QStringLiteral("Form4")) Click(modal, "Command2");
+    if (auto* box = qobject_cast<QMessageBox*>(modal)) box->button(QMessageBox::No)->click();
   });
   run.Start();
   for (const char* key : {"DataFile1", "RomPath", "TitlesPath", "FlyersPath"}) {
@@ -242,8 +256,9 @@ TEST(DesktopStart, OtherLanguageWritesTheTemplateAndTheRunGoesOnInEnglish) {
     }
   });
   run.Start();
-  ASSERT_EQ(seen.size(), 3u);
+  ASSERT_EQ(seen.size(), 4u);
   EXPECT_EQ(seen[1], QStringLiteral("Form11"));
+  EXPECT_EQ(seen[3], QStringLiteral("YesNoBox"));  // the first start's data update check
   EXPECT_EQ(run.ctx.messages.LanguageNumber, Messages::kEnglish);
   EXPECT_TRUE(QFileInfo::exists(ToQt(FindFileNoCase(run.ctx.AppFolder(), "language.lng"))));
 }
@@ -948,6 +963,46 @@ TEST(Program, SecondInstanceEndsSilentlyAndTouchesNothing) {
   EXPECT_EQ(first.state(), QProcess::Running);
   first.kill();
   first.waitForFinished(5000);
+}
+
+TEST(DesktopStart, FirstStartOffersTheDataUpdateAndInstallsIt) {
+  testsupport::RouteServer server;
+  DesktopRun run;
+  const std::string zip = run.Path("package.zip");
+  GameStore store;
+  store.DatabaseVersion = "MAME v9.99 (from the server)";
+  store.AppendGame("pacman", "pacman;A0;0;BPac-Man");
+  store.SetEndRecord(";A0");
+  testsupport::MakeZip(zip, {{"index", IndexFileText(store, nullptr)}});
+  server.Set("/update.txt", store.DatabaseVersion + "\n" + server.Url("/pack/data.zip") + "\n");
+  server.Set("/pack/data.zip", testsupport::ReadFile(zip));
+  std::vector<QString> questions;
+  ModalDriver driver([&](QWidget* modal) {
+    if (modal->objectName() == QStringLiteral("Form2")) {
+      // The user points the program at the update server while it starts.
+      run.ctx.settings.InfWrite("UpdateServer", server.Root());
+      Click(modal, "Command1");
+    } else if (modal->objectName() == QStringLiteral("Form4")) {
+      Click(modal, "Command2");
+    } else if (auto* box = qobject_cast<QMessageBox*>(modal)) {
+      questions.push_back(box->text());
+      box->button(QMessageBox::Yes)->click();
+    } else if (modal->objectName() == QStringLiteral("Form11")) {
+      Click(modal, "Command1");
+    }
+  });
+  run.Start();
+  ASSERT_TRUE(WaitFor([&] { return run.ctx.store.DatabaseVersion == store.DatabaseVersion; }));
+  ASSERT_EQ(questions.size(), 2u);
+  EXPECT_EQ(questions[0], MessageText(run.ctx.messages.Lng(386)));
+  EXPECT_TRUE(questions[1].contains(QStringLiteral("MAME v9.99 (from the server)")));
+  ASSERT_TRUE(WaitFor([&] {
+    auto* label = run.frame->Panel()
+                      ? run.frame->Panel()->findChild<QLabel*>(QStringLiteral("Label1"))
+                      : nullptr;
+    return label && label->text().contains(QStringLiteral("MAME v9.99 (from the server)"));
+  }));
+  EXPECT_TRUE(std::filesystem::exists(run.Path("DataFiles/index")));
 }
 
 }  // namespace
