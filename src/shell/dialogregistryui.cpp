@@ -2,9 +2,11 @@
 // panel entry and menu entries that open its dialog. Entries nobody registers stay disabled.
 #include "app/context.h"
 #include "archive/ziptoolsdialog.h"
-#include "search/searchdialog.h"
 #include "layouts/layoutsdialog.h"
+#include "lists/copytasksdialog.h"
+#include "lists/xmllistdialog.h"
 #include "online/updatedialog.h"
+#include "search/searchdialog.h"
 #include "shell/mainframe.h"
 
 namespace tessarin {
@@ -32,6 +34,10 @@ void RegisterSubsystemDialogs(MainFrame& frame) {
   };
   frame.RegisterMenuDialog(QStringLiteral("MnuAtomicLayouts"),
                            [](MainFrame& f) { return new LayoutsDialog(&f, f.Context()); });
+  frame.RegisterMenuDialog(QStringLiteral("MnuXML2List"),
+                           [](MainFrame& f) { return new XmlListDialog(&f, f.Context()); });
+  frame.RegisterMenuDialog(QStringLiteral("MnuCopyTasks"),
+                           [](MainFrame& f) { return new CopyTasksDialog(&f, f.Context()); });
 }
 
 }  // namespace tessarin
