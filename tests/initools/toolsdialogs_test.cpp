@@ -2,6 +2,7 @@
 // controls' names on temporary folders. Screenshots go to $TESSARIN_SHOTS when it is set.
 #include <gtest/gtest.h>
 
+#include <QAction>
 #include <QApplication>
 #include <QCheckBox>
 #include <QLabel>
@@ -9,7 +10,11 @@
 #include <QMouseEvent>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QTimer>
+#include <atomic>
+#include <chrono>
 #include <filesystem>
+#include <thread>
 
 #include "app/context.h"
 #include "core/settings.h"
@@ -17,9 +22,14 @@
 #include "lists/folderscandialog.h"
 #include "lists/inisetdialog.h"
 #include "lists/xmllistdialog.h"
+#include "online/urllist.h"
+#include "shell/desktopshellui.h"
+#include "shell/mainframe.h"
+#include "shell/startup.h"
 #include "store/gamerecord.h"
 #include "support/scriptedui.h"
 #include "support/testfiles.h"
+#include "widgets/workingdialog.h"
 
 namespace tessarin {
 namespace {
@@ -453,6 +463,62 @@ TEST_P(CopyTasksTest, AFieldThatIsNotThereTakesTheFocusAndNoIsNothing) {
   // The choosers' answers go to their boxes.
   dialog.BrowsePath(Child<QLineEdit>(&dialog, "Text8"), folder.Path());
   EXPECT_EQ(Child<QLineEdit>(&dialog, "Text8")->text().toStdString(), folder.Path());
+}
+
+TEST_P(CopyTasksTest, ACancelStillOpensTheLog) {
+  CopyTasksDialog dialog(nullptr, ctx);
+  dialog.show();
+  std::atomic<bool> cancelled{false};
+  std::atomic<int> copies{0};
+  CopyTaskServices services;
+  // The first copy waits until the working dialog's cancel has been pressed.
+  services.copyFile = [&](const std::string&, const std::string&) {
+    ++copies;
+    for (int i = 0; i < 500 && !cancelled; ++i) {
+      std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    return true;
+  };
+  QTimer presser;
+  presser.setInterval(20);
+  QObject::connect(&presser, &QTimer::timeout, [&] {
+    auto* working = dialog.findChild<WorkingDialog*>();
+    if (!working || !working->isVisible() || cancelled) return;
+    working->AskCancel();
+    cancelled = true;
+  });
+  presser.start();
+  ui.defaultAnswer = true;  // "Start processing ?" and the cancel's question
+  dialog.Go(services);
+  presser.stop();
+  EXPECT_TRUE(cancelled);
+  EXPECT_EQ(copies, 1);
+  ASSERT_EQ(ui.questions.size(), 2u);
+  EXPECT_EQ(ui.questions[1], Lng(311));
+  ASSERT_EQ(ui.opened.size(), 1u);
+  const std::string log = ReadFile(ui.opened[0]);
+  EXPECT_NE(log.find("CANCELED BY USER."), std::string::npos);
+  EXPECT_NE(log.find(" END OF OPERATION"), std::string::npos);
+  EXPECT_EQ(LastMessage(), "Done");
+}
+
+TEST_P(ToolsDialogsTest, TheFrameMenuOpensXmlToListAndCopyTasks) {
+  ShellSession session;
+  UrlTables tables;
+  MainFrame frame(ctx, session, SiteAccess(ctx, tables));
+  RegisterSubsystemDialogs(frame);
+  for (const auto& [menu, form] :
+       {std::pair{"MnuXML2List", "Form21"}, {"MnuCopyTasks", "Form22"}}) {
+    auto* action = frame.findChild<QAction*>(QString::fromLatin1(menu));
+    ASSERT_NE(action, nullptr) << menu;
+    EXPECT_TRUE(action->isEnabled()) << menu;
+    action->trigger();
+    QWidget* opened = frame.findChild<QDialog*>(QString::fromLatin1(form));
+    ASSERT_NE(opened, nullptr) << form;
+    EXPECT_TRUE(opened->isVisible()) << form;
+    opened->close();
+  }
+  frame.close();
 }
 
 INSTANTIATE_TEST_SUITE_P(Languages, ToolsDialogsTest, ::testing::Values(1, 0));
