@@ -32,6 +32,9 @@ int RunCli(int argc, char** argv, const std::string& executableFolder) {
   RegisterListCommands(registry);
   RegisterSearchCommands(registry);
   RegisterImageCommands(registry);
+  RegisterToolCommands(registry);
+  RegisterSearchCommands(registry);
+  RegisterUpdateCommands(registry);
 
   try {
     app.parse(argc, argv);

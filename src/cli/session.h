@@ -88,5 +88,8 @@ void RegisterTranslateCommands(CliRegistry& registry);
 void RegisterListCommands(CliRegistry& registry);
 void RegisterSearchCommands(CliRegistry& registry);
 void RegisterImageCommands(CliRegistry& registry);
+void RegisterToolCommands(CliRegistry& registry);
+void RegisterSearchCommands(CliRegistry& registry);
+void RegisterUpdateCommands(CliRegistry& registry);
 
 }  // namespace tessarin

@@ -5,10 +5,13 @@
 #include "builder/databasedialog.h"
 #include "builder/downloadsites.h"
 #include "layouts/layoutsdialog.h"
+#include "lists/copytasksdialog.h"
+#include "lists/xmllistdialog.h"
 #include "online/updatedialog.h"
 #include "lists/listdialog.h"
 #include "search/searchdialog.h"
 #include "images/imageorganiserdialog.h"
+#include "search/searchdialog.h"
 #include "shell/mainframe.h"
 #include "translate/translatedialog.h"
 
@@ -25,6 +28,15 @@ void RegisterSubsystemDialogs(MainFrame& frame) {
   frame.RegisterPanelDialog(4, [](MainFrame& f) { return new TranslateDialog(&f, f.Context()); });
   frame.RegisterPanelDialog(2, [](MainFrame& f) { return new ListDialog(&f, f.Context()); });
   frame.RegisterPanelDialog(5, [](MainFrame& f) { return new ZipToolsDialog(&f, f.Context()); });
+  frame.RegisterPanelDialog(5, [](MainFrame& f) { return new ZipToolsDialog(&f, f.Context()); });
+  frame.RegisterPanelDialog(0, [](MainFrame& f) {
+    return SearchDialog::Create(
+        &f, f.Context(), f.Sites().Tables, [&f] { f.ShowPanel(); }, [&f] { f.UnloadPanel(); });
+  });
+  frame.RegisterMenuDialog(QStringLiteral("MnuRecherche"), [](MainFrame& f) {
+    return SearchDialog::Create(
+        &f, f.Context(), f.Sites().Tables, [&f] { f.ShowPanel(); }, [&f] { f.UnloadPanel(); });
+  });
   const auto refreshPanel = [&frame] {
     if (frame.Panel()) frame.Panel()->RefreshDatabaseLabel();
   };
@@ -46,6 +58,10 @@ void RegisterSubsystemDialogs(MainFrame& frame) {
   });
   frame.RegisterPanelDialog(6,
                             [](MainFrame& f) { return new ImageOrganiserDialog(&f, f.Context()); });
+  frame.RegisterMenuDialog(QStringLiteral("MnuXML2List"),
+                           [](MainFrame& f) { return new XmlListDialog(&f, f.Context()); });
+  frame.RegisterMenuDialog(QStringLiteral("MnuCopyTasks"),
+                           [](MainFrame& f) { return new CopyTasksDialog(&f, f.Context()); });
 }
 
 }  // namespace tessarin
