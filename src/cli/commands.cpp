@@ -33,8 +33,6 @@ int RunCli(int argc, char** argv, const std::string& executableFolder) {
   RegisterSearchCommands(registry);
   RegisterImageCommands(registry);
   RegisterToolCommands(registry);
-  RegisterSearchCommands(registry);
-  RegisterUpdateCommands(registry);
 
   try {
     app.parse(argc, argv);

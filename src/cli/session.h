@@ -89,7 +89,5 @@ void RegisterListCommands(CliRegistry& registry);
 void RegisterSearchCommands(CliRegistry& registry);
 void RegisterImageCommands(CliRegistry& registry);
 void RegisterToolCommands(CliRegistry& registry);
-void RegisterSearchCommands(CliRegistry& registry);
-void RegisterUpdateCommands(CliRegistry& registry);
 
 }  // namespace tessarin

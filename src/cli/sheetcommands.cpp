@@ -44,8 +44,8 @@ void AddShow(CliRegistry& registry) {
         }
         // The build leaves some entities in descriptions and manufacturers: decoded for the eye.
         GameDetails shown = details;
-        shown.Description = DecodeXmlEntities(details.Description);
-        shown.Manufacturer = DecodeXmlEntities(details.Manufacturer);
+        shown.Description = DecodeEntitiesForDisplay(details.Description);
+        shown.Manufacturer = DecodeEntitiesForDisplay(details.Manufacturer);
         const SheetText text = LayOutSheetText(shown, loader, ctx.messages);
         std::string out = text.Label1;
         for (const std::string* box : {&text.Text1, &text.Text2, &text.Text8, &text.Text3,

@@ -471,7 +471,7 @@ void FormatListLine(const std::vector<std::string_view>& cells, const TextListFo
 void AppendCsvCell(std::string& out, std::string_view cell, std::string_view separator,
                    bool quoteAll) {
   // As the windows show it: the bytes as UTF-8, then the entities the database keeps resolved.
-  const std::string text = DecodeXmlEntities(DisplayUtf8(cell));
+  const std::string text = DecodeEntitiesForDisplay(DisplayUtf8(cell));
   bool quote = quoteAll || text.find_first_of("\"\r\n") != std::string::npos ||
                (!separator.empty() && text.find(separator) != std::string::npos);
   // A leading or trailing blank would be lost by some readers without quotes.

@@ -31,7 +31,7 @@ class Writer {
   }
   // A description or a manufacturer, whose XML entities a display decodes.
   std::string Named(std::string_view bytes) const {
-    return m_mode == SheetTextMode::Display ? DisplayUtf8(DecodeXmlEntities(bytes))
+    return m_mode == SheetTextMode::Display ? DisplayUtf8(DecodeEntitiesForDisplay(bytes))
                                             : std::string(bytes);
   }
   std::string Lng(int number) const { return Value(m_messages.Lng(number)); }

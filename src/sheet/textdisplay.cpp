@@ -89,7 +89,7 @@ std::string DisplayUtf8(std::string_view bytes) {
   return out;
 }
 
-std::string DecodeXmlEntities(std::string_view text) {
+std::string DecodeEntitiesForDisplay(std::string_view text) {
   if (text.find('&') == std::string_view::npos) return std::string(text);
   static constexpr std::pair<std::string_view, char> kNamed[] = {
       {"quot", '"'}, {"apos", '\''}, {"amp", '&'}, {"lt", '<'}, {"gt", '>'}};

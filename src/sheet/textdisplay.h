@@ -11,7 +11,7 @@ namespace tessarin {
 // Decodes the XML entities the build leaves in descriptions, manufacturers and the like:
 // &quot; &apos; &amp; &lt; &gt; and numeric ones (&#34; &#x22;), the latter as UTF-8. Anything
 // that isn't a well-formed entity (a lone '&', "&;", an unknown name) stays as it is.
-std::string DecodeXmlEntities(std::string_view text);
+std::string DecodeEntitiesForDisplay(std::string_view text);
 
 // The bytes as UTF-8: unchanged when they are valid UTF-8, otherwise read byte by byte as
 // Windows-1252 (its five undefined bytes 0x81, 0x8D, 0x8F, 0x90, 0x9D as U+0081 ... U+009D).

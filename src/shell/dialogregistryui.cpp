@@ -4,13 +4,12 @@
 #include "archive/ziptoolsdialog.h"
 #include "builder/databasedialog.h"
 #include "builder/downloadsites.h"
+#include "images/imageorganiserdialog.h"
 #include "layouts/layoutsdialog.h"
 #include "lists/copytasksdialog.h"
+#include "lists/listdialog.h"
 #include "lists/xmllistdialog.h"
 #include "online/updatedialog.h"
-#include "lists/listdialog.h"
-#include "search/searchdialog.h"
-#include "images/imageorganiserdialog.h"
 #include "search/searchdialog.h"
 #include "shell/mainframe.h"
 #include "translate/translatedialog.h"
@@ -20,23 +19,23 @@ namespace tessarin {
 void RegisterSubsystemDialogs(MainFrame& frame) {
   // Panel entries: 0 search, 1 database, 2 lists, 4 translation, 5 zip, 6 images.
   // Menu entries: MnuRecherche, MnuUpdateData, MnuAtomicLayouts, MnuXML2List, MnuCopyTasks.
+  const auto search = [](MainFrame& f) -> QWidget* {
+    return SearchDialog::Create(
+        &f, f.Context(), f.Sites().Tables, [&f] { f.ShowPanel(); }, [&f] { f.UnloadPanel(); });
+  };
+  frame.RegisterPanelDialog(0, search);
+  frame.RegisterMenuDialog(QStringLiteral("MnuRecherche"), search);
   frame.RegisterPanelDialog(1, [](MainFrame& f) {
     return new DatabaseDialog(
         &f, f.Context(),
         DownloadListFromTables(f.Sites().Tables, f.Sites().Reload, f.Sites().Write));
   });
-  frame.RegisterPanelDialog(4, [](MainFrame& f) { return new TranslateDialog(&f, f.Context()); });
   frame.RegisterPanelDialog(2, [](MainFrame& f) { return new ListDialog(&f, f.Context()); });
+  frame.RegisterPanelDialog(4, [](MainFrame& f) { return new TranslateDialog(&f, f.Context()); });
   frame.RegisterPanelDialog(5, [](MainFrame& f) { return new ZipToolsDialog(&f, f.Context()); });
-  frame.RegisterPanelDialog(5, [](MainFrame& f) { return new ZipToolsDialog(&f, f.Context()); });
-  frame.RegisterPanelDialog(0, [](MainFrame& f) {
-    return SearchDialog::Create(
-        &f, f.Context(), f.Sites().Tables, [&f] { f.ShowPanel(); }, [&f] { f.UnloadPanel(); });
-  });
-  frame.RegisterMenuDialog(QStringLiteral("MnuRecherche"), [](MainFrame& f) {
-    return SearchDialog::Create(
-        &f, f.Context(), f.Sites().Tables, [&f] { f.ShowPanel(); }, [&f] { f.UnloadPanel(); });
-  });
+  frame.RegisterPanelDialog(6,
+                            [](MainFrame& f) { return new ImageOrganiserDialog(&f, f.Context()); });
+
   const auto refreshPanel = [&frame] {
     if (frame.Panel()) frame.Panel()->RefreshDatabaseLabel();
   };
@@ -48,16 +47,6 @@ void RegisterSubsystemDialogs(MainFrame& frame) {
   };
   frame.RegisterMenuDialog(QStringLiteral("MnuAtomicLayouts"),
                            [](MainFrame& f) { return new LayoutsDialog(&f, f.Context()); });
-  frame.RegisterPanelDialog(0, [](MainFrame& f) {
-    return SearchDialog::Create(
-        &f, f.Context(), f.Sites().Tables, [&f] { f.ShowPanel(); }, [&f] { f.UnloadPanel(); });
-  });
-  frame.RegisterMenuDialog(QStringLiteral("MnuRecherche"), [](MainFrame& f) {
-    return SearchDialog::Create(
-        &f, f.Context(), f.Sites().Tables, [&f] { f.ShowPanel(); }, [&f] { f.UnloadPanel(); });
-  });
-  frame.RegisterPanelDialog(6,
-                            [](MainFrame& f) { return new ImageOrganiserDialog(&f, f.Context()); });
   frame.RegisterMenuDialog(QStringLiteral("MnuXML2List"),
                            [](MainFrame& f) { return new XmlListDialog(&f, f.Context()); });
   frame.RegisterMenuDialog(QStringLiteral("MnuCopyTasks"),

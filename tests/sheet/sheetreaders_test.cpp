@@ -268,14 +268,14 @@ TEST(ReadPersonalNotes, DefaultPlacesAndLineEnds) {
 
 // ---- display helpers ----
 
-TEST(DecodeXmlEntities, NamedAndNumeric) {
-  EXPECT_EQ(DecodeXmlEntities("Zorb &quot;Deluxe&quot; &amp; &lt;co&gt; &apos;84"),
+TEST(DecodeEntitiesForDisplay, NamedAndNumeric) {
+  EXPECT_EQ(DecodeEntitiesForDisplay("Zorb &quot;Deluxe&quot; &amp; &lt;co&gt; &apos;84"),
             "Zorb \"Deluxe\" & <co> '84");
-  EXPECT_EQ(DecodeXmlEntities("A&#38;B &#x41;&#233;"), "A&B A\xC3\xA9");
+  EXPECT_EQ(DecodeEntitiesForDisplay("A&#38;B &#x41;&#233;"), "A&B A\xC3\xA9");
   // What is no entity stays.
-  EXPECT_EQ(DecodeXmlEntities("R&D &; &unknown; &#xZZ; &#0; a & b"),
+  EXPECT_EQ(DecodeEntitiesForDisplay("R&D &; &unknown; &#xZZ; &#0; a & b"),
             "R&D &; &unknown; &#xZZ; &#0; a & b");
-  EXPECT_EQ(DecodeXmlEntities("plain"), "plain");
+  EXPECT_EQ(DecodeEntitiesForDisplay("plain"), "plain");
 }
 
 TEST(DisplayUtf8, Utf8KeptWindows1252Converted) {
