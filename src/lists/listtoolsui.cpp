@@ -42,10 +42,6 @@ QPushButton* BrowseButton(QWidget* parent, const char* name) {
   return button;
 }
 
-std::string IniFileFilter(const Messages& messages) {
-  return messages.Lng(35) + " (*.ini)|*.ini|" + messages.Lng(33) + " |*.*|";
-}
-
 void ClickThrough(QLabel* label, QAbstractButton* target) {
   label->installEventFilter(new ClickFilter(label, target));
   label->setBuddy(target);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "lists/textlists.h"  // IniFileFilter
+
 // Small pieces the list tool windows share: named controls, the ini filter of their choosers and
 // labels that act on the control they stand beside.
 
@@ -26,9 +28,6 @@ T* NamedControl(QWidget* parent, const char* name, Args&&... args) {
 
 // A "..." button that opens a chooser, as narrow as its text allows.
 QPushButton* BrowseButton(QWidget* parent, const char* name);
-
-// "Ini files (*.ini)|*.ini|All files |*.*|" in the user's language.
-std::string IniFileFilter(const Messages& messages);
 
 // A click on `label` clicks `target`: toggles a check box, selects a radio button.
 void ClickThrough(QLabel* label, QAbstractButton* target);

@@ -30,20 +30,6 @@ std::string DefaultTemplateOf(const GamePageHooks& hooks) {
 
 }  // namespace
 
-std::vector<std::string> ListSkins(const std::string& appFolder) {
-  std::vector<std::string> skins;
-  const QDir html(QString::fromStdString(AddSlash(appFolder + "HTML")));
-  for (const QString& name :
-       html.entryList({QStringLiteral("*.skin")}, QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name)) {
-    skins.push_back(name.toStdString());
-  }
-  for (const QString& name :
-       html.entryList({QStringLiteral("*.skin.zip")}, QDir::Files, QDir::Name)) {
-    skins.push_back(name.toStdString());
-  }
-  return skins;
-}
-
 FoundPageResult ShowFoundPage(AppContext& ctx, const GamePageHooks& hooks,
                               const std::string& skinName, const std::string& romName,
                               bool onlineImages, std::string& pagePath) {

@@ -17,10 +17,6 @@ enum class FoundPageResult {
   NoPageRoutine,  // the program has no page routine to fill the template with
 };
 
-// The skins of Combo18: every folder "HTML/*.skin" and every file "HTML/*.skin.zip" of the
-// program folder, by name.
-std::vector<std::string> ListSkins(const std::string& appFolder);
-
 // Builds TempFolder + "Found.htm" for `romName` from the skin `skinName` (the text of Combo18;
 // empty for "HTML/search.htm"), copying the skin's "search*.*" pictures beside it when the skin is
 // a folder. `pagePath` receives the page's path.

@@ -25,6 +25,7 @@
 #include "core/messages.h"
 #include "core/settings.h"
 #include "core/work.h"
+#include "lists/skins.h"
 #include "online/urllist.h"
 #include "search/foundpage.h"
 #include "search/resultactions.h"

@@ -7,10 +7,17 @@
 #include "images/imageorganiserdialog.h"
 #include "layouts/layoutsdialog.h"
 #include "lists/copytasksdialog.h"
+#include "lists/folderscandialog.h"
+#include "lists/inisetdialog.h"
 #include "lists/listdialog.h"
+#include "lists/skins.h"
 #include "lists/xmllistdialog.h"
 #include "online/updatedialog.h"
+#include "online/urllist.h"
 #include "search/searchdialog.h"
+#include "search/searchhooks.h"
+#include "sheet/gamepage.h"
+#include "sheet/gamesheetdialog.h"
 #include "shell/mainframe.h"
 #include "translate/translatedialog.h"
 
@@ -23,6 +30,28 @@ void RegisterSubsystemDialogs(MainFrame& frame) {
     return SearchDialog::Create(
         &f, f.Context(), f.Sites().Tables, [&f] { f.ShowPanel(); }, [&f] { f.UnloadPanel(); });
   };
+  // What the search's actions open: the sheet, the HTML page, the INI set.
+  SearchDialogHookTable().OpenGameSheet = [](QWidget* parent, AppContext& ctx,
+                                             const std::string& rom) {
+    OpenGameSheet(parent, ctx, rom);
+  };
+  SearchDialogHookTable().OpenAtomicFeOptions = [](QWidget* parent, AppContext& ctx) {
+    OpenIniSetDialog(parent, ctx);
+  };
+  SearchGamePageHooks().FillGamePage = [&frame](AppContext& ctx, const std::string& pageTemplate,
+                                                const std::string& rom, bool onlineImages) {
+    GamePageOptions options;
+    options.onlineImages = onlineImages;
+    if (const UrlTables* sites = frame.Sites().Tables) {
+      for (size_t i = 1; i < options.onlinePatterns.size(); ++i) {
+        options.onlinePatterns[i] = sites->OnlineImages[i];
+      }
+    }
+    return FillGamePage(ctx, rom, pageTemplate, 0, options);
+  };
+  SearchGamePageHooks().DefaultTemplate = [&frame] {
+    return std::string(BuiltInGamePage(frame.Context().messages.LanguageNumber));
+  };
   frame.RegisterPanelDialog(0, search);
   frame.RegisterMenuDialog(QStringLiteral("MnuRecherche"), search);
   frame.RegisterPanelDialog(1, [](MainFrame& f) {
@@ -30,7 +59,11 @@ void RegisterSubsystemDialogs(MainFrame& frame) {
         &f, f.Context(),
         DownloadListFromTables(f.Sites().Tables, f.Sites().Reload, f.Sites().Write));
   });
-  frame.RegisterPanelDialog(2, [](MainFrame& f) { return new ListDialog(&f, f.Context()); });
+  frame.RegisterPanelDialog(2, [](MainFrame& f) {
+    ListDialogHooks hooks;
+    hooks.openFolderScan = [&f](ListDialog& dialog) { OpenFolderScanDialog(&dialog, f.Context()); };
+    return new ListDialog(&f, f.Context(), hooks);
+  });
   frame.RegisterPanelDialog(4, [](MainFrame& f) { return new TranslateDialog(&f, f.Context()); });
   frame.RegisterPanelDialog(5, [](MainFrame& f) { return new ZipToolsDialog(&f, f.Context()); });
   frame.RegisterPanelDialog(6,

@@ -290,16 +290,6 @@ TEST_F(Actions, TinyViewerOnlyWhenItsProgramExists) {
   EXPECT_EQ(ReadFile(Ctx().AppFolder() + "Zubrix.inf"), "old settings");
 }
 
-TEST_F(Actions, SkinsAreFoldersAndZipsOfTheHtmlFolder) {
-  EXPECT_TRUE(ListSkins(Ctx().AppFolder()).empty());
-  fs::create_directories(Ctx().AppFolder() + "HTML/Blue.skin");
-  fs::create_directories(Ctx().AppFolder() + "HTML/notaskin");
-  WriteFile(Ctx().AppFolder() + "HTML/Default_EN.skin.zip", "zip");
-  WriteFile(Ctx().AppFolder() + "HTML/search.htm", "page");
-  EXPECT_EQ(ListSkins(Ctx().AppFolder()),
-            (std::vector<std::string>{"Blue.skin", "Default_EN.skin.zip"}));
-}
-
 TEST_F(Actions, FoundPageFromTheHtmlFolderAndFromASkinFolder) {
   GamePageHooks hooks;
   std::string page;
