@@ -25,6 +25,7 @@ int RunCli(int argc, char** argv, const std::string& executableFolder) {
   RegisterSettingsCommands(registry);
   RegisterPageCommands(registry);
   RegisterSheetCommands(registry);
+  RegisterSearchCommands(registry);
 
   try {
     app.parse(argc, argv);

@@ -83,5 +83,6 @@ void RegisterDatabaseCommands(CliRegistry& registry);
 void RegisterSettingsCommands(CliRegistry& registry);
 void RegisterPageCommands(CliRegistry& registry);
 void RegisterSheetCommands(CliRegistry& registry);
+void RegisterSearchCommands(CliRegistry& registry);
 
 }  // namespace tessarin
