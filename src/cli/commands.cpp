@@ -26,6 +26,7 @@ int RunCli(int argc, char** argv, const std::string& executableFolder) {
   RegisterPageCommands(registry);
   RegisterSheetCommands(registry);
   RegisterSearchCommands(registry);
+  RegisterListCommands(registry);
 
   try {
     app.parse(argc, argv);

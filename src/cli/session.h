@@ -84,5 +84,6 @@ void RegisterSettingsCommands(CliRegistry& registry);
 void RegisterPageCommands(CliRegistry& registry);
 void RegisterSheetCommands(CliRegistry& registry);
 void RegisterSearchCommands(CliRegistry& registry);
+void RegisterListCommands(CliRegistry& registry);
 
 }  // namespace tessarin
