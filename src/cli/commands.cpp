@@ -27,6 +27,7 @@ int RunCli(int argc, char** argv, const std::string& executableFolder) {
   RegisterSheetCommands(registry);
   RegisterSearchCommands(registry);
   RegisterListCommands(registry);
+  RegisterSiteCommands(registry);
 
   try {
     app.parse(argc, argv);

@@ -85,5 +85,6 @@ void RegisterPageCommands(CliRegistry& registry);
 void RegisterSheetCommands(CliRegistry& registry);
 void RegisterSearchCommands(CliRegistry& registry);
 void RegisterListCommands(CliRegistry& registry);
+void RegisterSiteCommands(CliRegistry& registry);
 
 }  // namespace tessarin
