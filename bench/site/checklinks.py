@@ -66,8 +66,9 @@ def main():
                 if found:
                     ok += 1
                     continue
-                stem = os.path.splitext(os.path.basename(target))[0]
-                if stem == b'':
+                base = os.path.basename(target)
+                stem = os.path.splitext(base)[0]
+                if base == b'.htm':
                     empty_groups += 1
                 elif len(stem) > 12 and os.path.isfile(
                         os.path.join(os.path.dirname(full), stem[:12].strip() + b'.htm')):
