@@ -1,6 +1,7 @@
 // The HTML site: built from a fixture database of ten games, checked file by file.
 #include <gtest/gtest.h>
 
+#include <QProcess>
 #include <QTemporaryDir>
 #include <algorithm>
 #include <filesystem>
@@ -569,6 +570,72 @@ TEST(SiteTest, BuiltInTemplatesLinksResolve) {
   EXPECT_EQ(longNames, 3 + 5);
   EXPECT_GT(emptyGroups, 0);
 }
+
+#ifdef TESSARIN_CLI_PATH
+struct CliResult {
+  int exitCode = -1;
+  std::string out, err;
+};
+
+// Runs tessarin-cli site on the fixture home, with a temporary folder of the test's own.
+CliResult RunSite(SiteHome& home, const std::vector<std::string>& args) {
+  QProcess process;
+  QStringList list{QStringLiteral("--home"), QString::fromStdString(home.ctx.AppFolder()),
+                   QStringLiteral("site")};
+  for (const std::string& a : args) list << QString::fromStdString(a);
+  QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+  std::filesystem::create_directories(home.Path("systemp"));
+  environment.insert(QStringLiteral("TMPDIR"), QString::fromStdString(home.Path("systemp")));
+  process.setProcessEnvironment(environment);
+  process.setStandardInputFile(QProcess::nullDevice());
+  process.start(QStringLiteral(TESSARIN_CLI_PATH), list);
+  CliResult result;
+  if (!process.waitForStarted(30000) || !process.waitForFinished(120000)) return result;
+  result.exitCode = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -2;
+  result.out = process.readAllStandardOutput().toStdString();
+  result.err = process.readAllStandardError().toStdString();
+  return result;
+}
+
+TEST(SiteCommand, BuildsTheSiteAndReportsIt) {
+  SiteHome home;
+  const std::string out = home.out.path().toStdString();
+  const CliResult run =
+      RunSite(home, {"--out", out, "--skip-clones", "--skin", "Default_EN.skin.zip"});
+  ASSERT_EQ(run.exitCode, 0) << run.err;
+  const std::string site = out + "/tessarin/";
+  // The site "opened" (its path printed), then message 41.
+  EXPECT_EQ(run.out, site + "index.htm\n" + home.ctx.messages.Lng(41) + "\n");
+  EXPECT_NE(run.err.find("9 games, "), std::string::npos) << run.err;
+  EXPECT_TRUE(std::filesystem::exists(site + "roms/mygame.htm"));
+  EXPECT_FALSE(std::filesystem::exists(site + "roms/mygamej.htm"));
+  // The default skin's list.htm stands in for the group pages, and comes along.
+  EXPECT_TRUE(std::filesystem::exists(site + "genres/list.htm"));
+  EXPECT_NE(ReadFile(site + "roms/listroms.htm").find("<a href=\"mygame.htm\">My Game</a><br>"),
+            std::string::npos);
+}
+
+TEST(SiteCommand, IniFileAndWrongArguments) {
+  SiteHome home;
+  const std::string out = home.out.path().toStdString();
+  const CliResult run = RunSite(home, {"--out", out, "--ini", Fixture("one.ini")});
+  ASSERT_EQ(run.exitCode, 0) << run.err;
+  EXPECT_NE(run.err.find("1 games, "), std::string::npos) << run.err;
+  EXPECT_TRUE(std::filesystem::exists(out + "/tessarin/roms/bravo.htm"));
+  EXPECT_FALSE(std::filesystem::exists(out + "/tessarin/roms/mygame.htm"));
+
+  const CliResult wrongSet = RunSite(home, {"--out", out, "--copy-images", "snap,boxes"});
+  EXPECT_EQ(wrongSet.exitCode, 2);
+  EXPECT_NE(wrongSet.err.find("\"boxes\""), std::string::npos) << wrongSet.err;
+  const CliResult both = RunSite(home, {"--out", out, "--copy-images", "snap", "--online-images"});
+  EXPECT_EQ(both.exitCode, 2);
+  const CliResult noIni = RunSite(home, {"--out", out, "--ini", home.Path("missing.ini")});
+  EXPECT_EQ(noIni.exitCode, 1);
+  EXPECT_NE(noIni.err.find(home.Path("missing.ini")), std::string::npos) << noIni.err;
+  const CliResult noOut = RunSite(home, {});
+  EXPECT_EQ(noOut.exitCode, 2);
+}
+#endif
 
 }  // namespace
 }  // namespace tessarin
