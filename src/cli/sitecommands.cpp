@@ -30,7 +30,7 @@ bool MakeSiteTempFolder(AppContext& ctx) {
 void AddSite(CliRegistry& registry) {
   struct Options {
     std::string out, skin, ini, copyImages;
-    bool skipClones = false, onlyAvailable = false, onlineImages = false;
+    bool skipClones = false, onlyAvailable = false, onlineImages = false, searchIndex = false;
   };
   auto o = std::make_shared<Options>();
   CLI::App* site = registry.Add(
@@ -44,6 +44,7 @@ void AddSite(CliRegistry& registry) {
         request.skipClones = o->skipClones;
         request.onlyAvailable = o->onlyAvailable;
         request.onlineImages = o->onlineImages;
+        request.searchIndex = o->searchIndex;
         if (!o->copyImages.empty()) {
           std::stringstream sets(o->copyImages);
           std::string set;
@@ -141,6 +142,10 @@ void AddSite(CliRegistry& registry) {
                    "marquees, cabinets, cpanel, flyers");
   site->add_flag("--online-images", o->onlineImages,
                  "Refer missing pictures to the on-line addresses of Tessarin.url.inf");
+  site->add_flag("--search-index", o->searchIndex,
+                 "Also write tessarin/search.htm and tessarin/search-index.js: a page that finds "
+                 "the site's games by name, description, manufacturer, year and genre in the "
+                 "browser (the other pages stay as they are)");
 }
 
 }  // namespace

@@ -266,6 +266,110 @@ std::string GroupEntry(const AppContext& ctx, int kind, const std::vector<std::s
   return entry;
 }
 
+namespace {
+
+void AppendJsString(std::string& out, std::string_view text) {
+  static constexpr char kHex[] = "0123456789abcdef";
+  out += '"';
+  for (char c : text) {
+    const auto u = static_cast<unsigned char>(c);
+    if (c == '"' || c == '\\') {
+      out += '\\';
+      out += c;
+    } else if (u < 0x20 || c == '<') {
+      out += "\\u00";
+      out += kHex[u >> 4];
+      out += kHex[u & 15];
+    } else {
+      out += c;
+    }
+  }
+  out += '"';
+}
+
+}  // namespace
+
+std::string SearchIndexScript(const std::vector<SiteIndexEntry>& entries) {
+  std::string out = "var TESSARIN_GAMES=[";
+  out.reserve(entries.size() * 80 + 32);
+  bool first = true;
+  for (const SiteIndexEntry& e : entries) {
+    out += first ? "\n[" : ",\n[";
+    first = false;
+    const std::string* fields[] = {&e.rom,          &e.page, &e.description,
+                                   &e.manufacturer, &e.year, &e.genre};
+    for (size_t f = 0; f < 6; ++f) {
+      if (f) out += ',';
+      AppendJsString(out, *fields[f]);
+    }
+    out += ']';
+  }
+  out += "\n];\n";
+  return out;
+}
+
+std::string_view SearchPageText() {
+  return R"HTML(<html><head><meta http-equiv="Content-Type" content="text/html; charset=utf-8"><title>Search</title>
+<style>
+body{color:#FFFFFF;background:#0F3F60;font-family:Verdana,sans-serif;font-size:small}
+a{color:#00FFFF} a:visited{color:#00FF00}
+#panel{width:720px;margin:0 auto;background:#006699;padding:8px}
+h1{color:#FFFF00;text-align:center;font-size:large}
+input{width:100%;font-size:medium}
+td{padding:1px 6px;vertical-align:top}
+</style>
+<script src="search-index.js" charset="utf-8"></script></head>
+<body><div id="panel"><h1>SEARCH</h1>
+<p><label for="q">Name, description, manufacturer, year or genre (every word must match):</label><br>
+<input id="q" type="search" autofocus></p>
+<p id="count"></p><table id="results"></table>
+<p style="text-align:center"><a href="index.htm">Menu</a></p></div>
+<script>
+(function () {
+  var games = window.TESSARIN_GAMES || [];
+  var box = document.getElementById("q");
+  var table = document.getElementById("results");
+  var count = document.getElementById("count");
+  var limit = 500;
+  var lower = games.map(function (g) { return g.join("\u0001").toLowerCase(); });
+  function cell(row, text, href) {
+    var td = row.insertCell(-1);
+    if (href) {
+      var a = document.createElement("a");
+      a.href = href;
+      a.textContent = text;
+      td.appendChild(a);
+    } else {
+      td.textContent = text;
+    }
+  }
+  function run() {
+    var words = box.value.toLowerCase().split(/\s+/).filter(function (w) { return w; });
+    while (table.rows.length) table.deleteRow(0);
+    if (!words.length) { count.textContent = games.length + " games"; return; }
+    var found = 0;
+    for (var i = 0; i < games.length; i++) {
+      var text = lower[i], ok = true;
+      for (var w = 0; w < words.length && ok; w++) ok = text.indexOf(words[w]) >= 0;
+      if (!ok) continue;
+      if (found++ >= limit) continue;
+      var g = games[i], row = table.insertRow(-1);
+      cell(row, g[2], "roms/" + encodeURIComponent(g[1]).replace(/%2F/g, "/"));
+      cell(row, g[0]);
+      cell(row, g[3]);
+      cell(row, g[4]);
+      cell(row, g[5]);
+    }
+    count.textContent = found + " found" + (found > limit ? ", the first " + limit + " shown" : "");
+  }
+  box.addEventListener("input", run);
+  if (location.hash.length > 1) box.value = decodeURIComponent(location.hash.substring(1));
+  run();
+})();
+</script></body></html>
+)HTML";
+}
+
 std::string CompleteListLine(const AppContext& ctx, std::string_view sortKey) {
   std::string line = "<a href=\"";
   line += RomNameAt(ctx.store, KeyPosition(sortKey));
@@ -422,6 +526,7 @@ HtmlSiteResult BuildHtmlSite(AppContext& ctx, Work& work, const HtmlSiteRequest&
     options.onlineImages = request.onlineImages;
     options.onlinePatterns = request.onlinePatterns;
     GameDetailsLoader loader(ctx);
+    std::vector<SiteIndexEntry> indexEntries;
     std::array<std::vector<std::string>, 5> keys;
     for (auto& k : keys) k.assign(static_cast<size_t>(count) + 1, std::string());
     std::vector<int> positions(static_cast<size_t>(count) + 2, 0);
@@ -438,6 +543,19 @@ HtmlSiteResult BuildHtmlSite(AppContext& ctx, Work& work, const HtmlSiteRequest&
       std::string page =
           FillGamePage(ctx, loader, std::string(), romTemplate.text, position, options, &groupKeys);
       if (page.empty()) continue;
+      const std::string_view prefix =
+          std::string_view(page).substr(0, std::min<size_t>(12, page.size()));
+      const std::string fileName = MakeFileSafeName(std::string(TrimBlanks(prefix)) + ".htm");
+      if (request.searchIndex) {
+        const auto group = [](const std::string& key) {
+          std::string value = key.substr(0, key.find(kGroupKeySeparator));
+          return value == "0" ? std::string() : value;
+        };
+        indexEntries.push_back({RomNameAt(store, position), fileName,
+                                std::string(TrimBlanks(GameDescription(store, position))),
+                                group(groupKeys.Manufacturer), group(groupKeys.Year),
+                                group(groupKeys.Genre)});
+      }
       keys[0][static_cast<size_t>(i)] = std::move(groupKeys.Category);
       keys[1][static_cast<size_t>(i)] = std::move(groupKeys.Manufacturer);
       keys[2][static_cast<size_t>(i)] = std::move(groupKeys.Year);
@@ -446,16 +564,13 @@ HtmlSiteResult BuildHtmlSite(AppContext& ctx, Work& work, const HtmlSiteRequest&
       const std::string previous =
           i == 1 ? std::string()
                  : Link(RomNameAt(store, positions[static_cast<size_t>(i) - 1]) + ".htm",
-                        "Pr\xE9"
-                        "c\xE9"
+                        "Pr\xC3\xA9"
+                        "c\xC3\xA9"
                         "dent");
       const std::string next =
           i == count
               ? std::string()
               : Link(RomNameAt(store, positions[static_cast<size_t>(i) + 1]) + ".htm", "Suivant");
-      const std::string_view prefix =
-          std::string_view(page).substr(0, std::min<size_t>(12, page.size()));
-      const std::string fileName = MakeFileSafeName(std::string(TrimBlanks(prefix)) + ".htm");
       std::string body = page.substr(prefix.size());
       body = FastReplace(body, "#PREVIOUS", previous);
       body = FastReplace(body, "#NEXT", next);
@@ -538,7 +653,13 @@ HtmlSiteResult BuildHtmlSite(AppContext& ctx, Work& work, const HtmlSiteRequest&
     list = FastReplace(list, "#VERMDATA", verData);
     list = FastReplace(list, "#HOME", menuLink);
     const size_t tag = list.find("#COMPLETELIST");
-    if (tag == std::string::npos) return;
+    if (tag == std::string::npos) {
+      if (request.searchIndex) {
+        writer.Write(site + "search-index.js", SearchIndexScript(indexEntries));
+        writer.Write(site + "search.htm", SearchPageText());
+      }
+      return;
+    }
     const std::string listPath = romFolder + "listroms.htm";
     KillQuiet(listPath);
     std::string out;
@@ -575,6 +696,13 @@ HtmlSiteResult BuildHtmlSite(AppContext& ctx, Work& work, const HtmlSiteRequest&
     }
     out.append(list, tag + std::string_view("#COMPLETELIST").size());
     drain(true);
+    file.close();
+
+    // The extra: the search page and its data, beside the site's own pages.
+    if (request.searchIndex) {
+      writer.Write(site + "search-index.js", SearchIndexScript(indexEntries));
+      writer.Write(site + "search.htm", SearchPageText());
+    }
   });
 
   // 15. The end.

@@ -29,6 +29,9 @@ struct HtmlSiteRequest {
   std::array<bool, 6> imageSets{};            // Chk5 to Chk10, in kSiteImageSets order
   bool onlineImages = false;                  // Chk11
   std::array<std::string, 7> onlinePatterns;  // OnlineImages 1 to 6 (0 unused)
+  // An extra beside the site's own pages, which it leaves as they are: tessarin/search.htm and
+  // tessarin/search-index.js, a page that finds the site's games in the browser.
+  bool searchIndex = false;
 };
 
 enum class HtmlSiteResult { Done, Cancelled, FolderError, SkinError, NoGames };
@@ -63,6 +66,19 @@ HtmlSiteResult BuildHtmlSite(AppContext& ctx, Work& work, const HtmlSiteRequest&
 // missing, empty or an address.
 void CopyImageSet(AppContext& ctx, Work& work, const std::string& destination, std::string_view set,
                   const std::vector<std::string>& htmlGameNames);
+
+// One game of the search page's index.
+struct SiteIndexEntry {
+  std::string rom, page, description, manufacturer, year, genre;
+};
+
+// The search page's script data: `var TESSARIN_GAMES=[[rom,page,description,manufacturer,year,
+// genre],...];` with each text a JavaScript string (quotes, backslashes, control characters and
+// "<" escaped; other bytes as they are, UTF-8 like the pages).
+std::string SearchIndexScript(const std::vector<SiteIndexEntry>& entries);
+// The search page: plain HTML and JavaScript, no server and no external library, so it works
+// opened from the disk.
+std::string_view SearchPageText();
 
 // The pieces of the build, for tests.
 

@@ -39,6 +39,7 @@ void BuildHtmlSiteFromDialog(ListDialog& dialog, bool useIniFile) {
   request.copyImages = state.copyImages;
   request.imageSets = state.imageSets;
   request.onlineImages = state.imagesOnline;
+  request.searchIndex = state.searchIndex;
   if (request.onlineImages) {
     UrlTables sites;
     LoadUrlList(sites, ctx.AppFolder(), ctx.log);

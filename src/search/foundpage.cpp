@@ -30,7 +30,7 @@ std::string DefaultTemplateOf(const GamePageHooks& hooks) {
 
 }  // namespace
 
-std::vector<std::string> ListSkins(const std::string& appFolder) {
+std::vector<std::string> ListSearchSkins(const std::string& appFolder) {
   std::vector<std::string> skins;
   const QDir html(QString::fromStdString(AddSlash(appFolder + "HTML")));
   for (const QString& name :

@@ -18,8 +18,9 @@ enum class FoundPageResult {
 };
 
 // The skins of Combo18: every folder "HTML/*.skin" and every file "HTML/*.skin.zip" of the
-// program folder, by name.
-std::vector<std::string> ListSkins(const std::string& appFolder);
+// program folder, by name. (Named apart from the skins' own ListSkins, which also takes plain
+// files named *.skin: the two are one symbol in one program.)
+std::vector<std::string> ListSearchSkins(const std::string& appFolder);
 
 // Builds TempFolder + "Found.htm" for `romName` from the skin `skinName` (the text of Combo18;
 // empty for "HTML/search.htm"), copying the skin's "search*.*" pictures beside it when the skin is

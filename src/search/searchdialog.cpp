@@ -331,7 +331,7 @@ SearchDialog::SearchDialog(QWidget* parent, AppContext& ctx, UrlTables* sites)
   SetTag(m_radio[0], QStringLiteral("1"));
   SetCheck(m_html, ctx.settings.InfRead("Form6HTML") == "1");
   SetCheck(m_online, ctx.settings.InfRead("Form6ImagesOnline") == "1");
-  for (const std::string& skin : ListSkins(ctx.AppFolder())) m_combo[18]->addItem(ToQt(skin));
+  for (const std::string& skin : ListSearchSkins(ctx.AppFolder())) m_combo[18]->addItem(ToQt(skin));
   const std::string skin = ctx.settings.InfRead("Frm7Skin");
   m_combo[18]->setCurrentText(skin.empty() || skin == "-1" ? QString() : ToQt(skin));
   FollowHtmlCheck();

@@ -291,12 +291,12 @@ TEST_F(Actions, TinyViewerOnlyWhenItsProgramExists) {
 }
 
 TEST_F(Actions, SkinsAreFoldersAndZipsOfTheHtmlFolder) {
-  EXPECT_TRUE(ListSkins(Ctx().AppFolder()).empty());
+  EXPECT_TRUE(ListSearchSkins(Ctx().AppFolder()).empty());
   fs::create_directories(Ctx().AppFolder() + "HTML/Blue.skin");
   fs::create_directories(Ctx().AppFolder() + "HTML/notaskin");
   WriteFile(Ctx().AppFolder() + "HTML/Default_EN.skin.zip", "zip");
   WriteFile(Ctx().AppFolder() + "HTML/search.htm", "page");
-  EXPECT_EQ(ListSkins(Ctx().AppFolder()),
+  EXPECT_EQ(ListSearchSkins(Ctx().AppFolder()),
             (std::vector<std::string>{"Blue.skin", "Default_EN.skin.zip"}));
 }
 

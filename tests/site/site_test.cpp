@@ -21,6 +21,7 @@
 #include "sheet/gamepage.h"
 #include "store/indexfile.h"
 #include "support/testfiles.h"
+#include "zipworker/zipclass.h"
 
 namespace tessarin {
 namespace {
@@ -247,26 +248,26 @@ TEST(SiteTest, FixtureSiteFileByFile) {
                                                     "||" + kMenu +
                                                     "|<a href=\"longdesc.htm\">Suivant</a>");
   EXPECT_EQ(ReadFile(site + "roms/mygame.htm"), "mygame|My Game|" + G("genres", "Maze") +
-                                                    "|<a href=\"verylongromname.htm\">Pr\xE9"
-                                                    "c\xE9"
+                                                    "|<a href=\"verylongromname.htm\">Pr\xC3\xA9"
+                                                    "c\xC3\xA9"
                                                     "dent</a>|" +
                                                     kMenu + "|<a href=\"mygamej.htm\">Suivant</a>");
   EXPECT_EQ(ReadFile(site + "roms/verylongromn.htm"),
             "verylongromname|Long Name Game|" + G("genres", "Shooter") +
-                "|<a href=\"bravo.htm\">Pr\xE9"
-                "c\xE9"
+                "|<a href=\"bravo.htm\">Pr\xC3\xA9"
+                "c\xC3\xA9"
                 "dent</a>|" +
                 kMenu + "|<a href=\"mygame.htm\">Suivant</a>");
   // Same description: the position as text decides, so 10 comes before 9.
   EXPECT_EQ(ReadFile(site + "roms/same10.htm"), "same10|Same Name|" + G("genres", "Shooter") +
-                                                    "|<a href=\"mygamej.htm\">Pr\xE9"
-                                                    "c\xE9"
+                                                    "|<a href=\"mygamej.htm\">Pr\xC3\xA9"
+                                                    "c\xC3\xA9"
                                                     "dent</a>|" +
                                                     kMenu + "|<a href=\"same9.htm\">Suivant</a>");
   EXPECT_EQ(ReadFile(site + "roms/zeta.htm"),
             "zeta|zeta lower|" + G("genres", "Shooter / Gallery", "Shooter ! Gallery") +
-                "|<a href=\"same9.htm\">Pr\xE9"
-                "c\xE9"
+                "|<a href=\"same9.htm\">Pr\xC3\xA9"
+                "c\xC3\xA9"
                 "dent</a>|" +
                 kMenu + "|");
   // rom*.* is copied with its tags unfilled.
@@ -527,6 +528,89 @@ TEST(SiteTest, ImageSetsWithoutSettingAreSkippedAndLoosePicturesCopied) {
   EXPECT_NE(ReadFile(Site(home) + "roms/mygame.htm")
                 .find("<img border=\"0\" src=\"../images/snap/mygame.png\">"),
             std::string::npos);
+}
+
+TEST(SiteTest, ImageSetPackGivesTheSelectionsPicturesFirst) {
+  SiteHome home;
+  const std::string source = home.Path("titles/");
+  std::filesystem::create_directories(source + "pack");
+  WriteFile(source + "pack/mygame.png", "mygame from the pack");
+  WriteFile(source + "pack/bravo.png", "bravo from the pack");
+  myzip::ZipClass zip;
+  ASSERT_EQ(zip.FileAdd(source + "pack/*.*", 0, false), 2);
+  ASSERT_TRUE(zip.WriteZip(source + "titles1.zip"));
+  std::filesystem::remove_all(source + "pack");
+  WriteFile(source + "mygame.png", "mygame loose");
+  WriteFile(source + "zeta.png", "zeta loose");
+  WriteFile(source + "other.png", "other loose");
+  home.ctx.settings.InfWrite("titlesPath", source);
+  const std::string dest = home.out.path().toStdString() + "/";
+  const std::string images = dest + "tessarin/images/titles/";
+  std::filesystem::create_directories(images);
+  Work work;
+  CopyImageSet(home.ctx, work, dest, "titles", {"", "mygame", "zeta"});
+  // Out of the pack only the selection's pictures; a pack's picture wins over a loose one; every
+  // loose picture comes, in the selection or not; the temporary folder is gone.
+  EXPECT_EQ(ReadFile(images + "mygame.png"), "mygame from the pack");
+  EXPECT_FALSE(std::filesystem::exists(images + "bravo.png"));
+  EXPECT_EQ(ReadFile(images + "zeta.png"), "zeta loose");
+  EXPECT_EQ(ReadFile(images + "other.png"), "other loose");
+  EXPECT_FALSE(std::filesystem::exists(images + "temp"));
+
+  // An address as the set's folder: nothing is copied.
+  home.ctx.settings.InfWrite("snapPath", "HTTP://snaps.example.invalid/");
+  std::filesystem::create_directories(dest + "tessarin/images/snap");
+  CopyImageSet(home.ctx, work, dest, "snap", {"", "mygame"});
+  EXPECT_TRUE(std::filesystem::is_empty(dest + "tessarin/images/snap"));
+}
+
+TEST(SiteTest, SearchIndexIsAnExtraThatLeavesThePagesAsTheyAre) {
+  SiteHome plain;
+  HtmlSiteRequest request;
+  request.destination = plain.out.path().toStdString();
+  ASSERT_EQ(plain.Build(request), HtmlSiteResult::Done);
+  SiteHome withIndex;
+  request.destination = withIndex.out.path().toStdString();
+  request.searchIndex = true;
+  ASSERT_EQ(withIndex.Build(request), HtmlSiteResult::Done);
+  const std::string a = Site(plain);
+  const std::string b = Site(withIndex);
+  std::set<std::string> extra = Files(b);
+  for (const std::string& file : Files(a)) {
+    // The help page's address names each home's own folder; every other byte is the same.
+    const std::string left = ReadFile(a + file);
+    const std::string right = ReadFile(b + file);
+    if (file == "index.htm") {
+      EXPECT_EQ(left.size() - plain.ctx.AppFolder().size(),
+                right.size() - withIndex.ctx.AppFolder().size());
+    } else {
+      EXPECT_EQ(left, right) << file;
+    }
+    extra.erase(file);
+  }
+  EXPECT_EQ(extra, (std::set<std::string>{"search-index.js", "search.htm"}));
+  const std::string script = ReadFile(b + "search-index.js");
+  EXPECT_EQ(
+      script.rfind("var TESSARIN_GAMES=[\n[\"digits\",\"digits.htm\",\"1942 Again\",\"Capcom\","
+                   "\"1984\",\"Shooter\"],\n",
+                   0),
+      0u)
+      << script.substr(0, 200);
+  // The page of a long rom name is its 12-character file; a game without a genre value shows
+  // none.
+  EXPECT_NE(script.find("[\"verylongromname\",\"verylongromn.htm\",\"Long Name Game\",\"Acme\","
+                        "\"1990\",\"Shooter\"]"),
+            std::string::npos);
+  EXPECT_EQ(std::count(script.begin(), script.end(), '\n'), 10 + 2);
+  EXPECT_NE(ReadFile(b + "search.htm").find("<script src=\"search-index.js\""), std::string::npos);
+}
+
+TEST(SiteTest, SearchIndexScriptEscapesWhatJavaScriptNeeds) {
+  SiteIndexEntry entry{"a\"b", "x\\y.htm", "</script>\x01", "caf\xC3\xA9", "", "G"};
+  EXPECT_EQ(SearchIndexScript({entry}),
+            "var TESSARIN_GAMES=[\n[\"a\\\"b\",\"x\\\\y.htm\",\"\\u003c/script>\\u0001\","
+            "\"caf\xC3\xA9\",\"\",\"G\"]\n];\n");
+  EXPECT_EQ(SearchIndexScript({}), "var TESSARIN_GAMES=[\n];\n");
 }
 
 // Every href and src of a site built with the built-in templates that points inside it resolves
