@@ -38,6 +38,11 @@ void AddSite(CliRegistry& registry) {
       "Build the static HTML site of the game list (menu, game pages, group pages, complete "
       "list) below OUT/tessarin",
       [o](CliSession& session) {
+        if (o->out.empty()) {
+          // An empty destination would put the site at the root of the file system.
+          session.Error("--out needs a folder");
+          return kExitUsage;
+        }
         HtmlSiteRequest request;
         request.destination = o->out;
         request.skin = o->skin;
@@ -129,9 +134,11 @@ void AddSite(CliRegistry& registry) {
       });
   site->add_option("--out", o->out, "Destination folder (the site goes below OUT/tessarin)")
       ->required();
-  site->add_option("--skin", o->skin,
-                   "A skin of the HTML folder by its name, with its extension "
-                   "(e.g. Default_FR.skin.zip or mine.skin); none: the built-in templates");
+  site->add_option(
+      "--skin", o->skin,
+      "A skin of the HTML folder by its name, with its extension "
+      "(e.g. Default_FR.skin.zip or mine.skin); none: the templates of the HTML folder "
+      "itself, the built-in ones where it has none");
   site->add_option("--ini", o->ini,
                    "Only the games named in this INI file (clone and availability filters "
                    "then don't apply)");

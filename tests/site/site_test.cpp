@@ -718,6 +718,11 @@ TEST(SiteCommand, IniFileAndWrongArguments) {
   EXPECT_NE(noIni.err.find(home.Path("missing.ini")), std::string::npos) << noIni.err;
   const CliResult noOut = RunSite(home, {});
   EXPECT_EQ(noOut.exitCode, 2);
+  // An empty destination is refused rather than taken as the root of the file system.
+  const bool rootSiteBefore = std::filesystem::exists("/tessarin");
+  const CliResult emptyOut = RunSite(home, {"--out", ""});
+  EXPECT_EQ(emptyOut.exitCode, 2);
+  EXPECT_EQ(std::filesystem::exists("/tessarin"), rootSiteBefore);
 }
 #endif
 
