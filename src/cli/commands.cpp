@@ -33,6 +33,7 @@ int RunCli(int argc, char** argv, const std::string& executableFolder) {
   RegisterSearchCommands(registry);
   RegisterImageCommands(registry);
   RegisterToolCommands(registry);
+  RegisterSiteCommands(registry);
 
   try {
     app.parse(argc, argv);

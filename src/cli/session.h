@@ -89,5 +89,6 @@ void RegisterListCommands(CliRegistry& registry);
 void RegisterSearchCommands(CliRegistry& registry);
 void RegisterImageCommands(CliRegistry& registry);
 void RegisterToolCommands(CliRegistry& registry);
+void RegisterSiteCommands(CliRegistry& registry);
 
 }  // namespace tessarin

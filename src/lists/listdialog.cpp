@@ -1,5 +1,6 @@
 #include "lists/listdialog.h"
 
+#include <QCheckBox>
 #include <QCloseEvent>
 #include <QComboBox>
 #include <QFrame>
@@ -254,6 +255,11 @@ void ListDialog::BuildHtmlPage() {
   }
   addCheck(11, QStringLiteral("Label5"), QStringLiteral("Images online"), 9, 0);
   checks->setColumnMinimumWidth(0, fontMetrics().averageCharWidth() * 5);
+  // Beyond the site's own pages: a page that searches its games in the browser. Off whenever
+  // the dialog opens, as the other checks of this page.
+  m_searchIndex = new QCheckBox(QStringLiteral("Search page (search.htm)"), page);
+  m_searchIndex->setObjectName(QStringLiteral("ChkSearchIndex"));
+  checks->addWidget(m_searchIndex, 10, 0, 1, 3);
 
   m_buildAll = MakeButton(page, QStringLiteral("Command4"), Caption(m_ctx, 137));
   m_buildIni = MakeButton(page, QStringLiteral("Command6"), Caption(m_ctx, 136));
@@ -464,6 +470,7 @@ HtmlPageState ListDialog::HtmlState() const {
   state.copyImages = CheckOn(4);
   for (int n = 5; n <= 10; ++n) state.imageSets[static_cast<size_t>(n - 5)] = CheckOn(n);
   state.imagesOnline = CheckOn(11);
+  state.searchIndex = m_searchIndex->isChecked();
   return state;
 }
 

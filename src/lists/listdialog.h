@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+class QCheckBox;
 class QComboBox;
 class QFrame;
 class QLabel;
@@ -29,6 +30,7 @@ struct HtmlPageState {
   std::array<bool, 6> imageSets{};  // Chk5 to Chk10: titles, snaps, marquees, cabinets, panels,
                                     // flyers
   bool imagesOnline = false;        // Chk11
+  bool searchIndex = false;         // ChkSearchIndex: the site's search page as well
 };
 
 // The work other dialogs do for this one. A button whose hook is empty is disabled.
@@ -107,6 +109,7 @@ class ListDialog final : public QDialog {
   QPushButton* m_scanDir = nullptr;
   QPushButton* m_buildAll = nullptr;
   QPushButton* m_buildIni = nullptr;
+  QCheckBox* m_searchIndex = nullptr;
   bool m_unloaded = false;
 };
 

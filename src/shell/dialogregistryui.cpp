@@ -8,6 +8,7 @@
 #include "layouts/layoutsdialog.h"
 #include "lists/copytasksdialog.h"
 #include "lists/folderscandialog.h"
+#include "lists/htmlsiteui.h"
 #include "lists/inisetdialog.h"
 #include "lists/listdialog.h"
 #include "lists/skins.h"
@@ -61,6 +62,7 @@ void RegisterSubsystemDialogs(MainFrame& frame) {
   });
   frame.RegisterPanelDialog(2, [](MainFrame& f) {
     ListDialogHooks hooks;
+    hooks.buildHtml = BuildHtmlSiteFromDialog;
     hooks.openFolderScan = [&f](ListDialog& dialog) { OpenFolderScanDialog(&dialog, f.Context()); };
     return new ListDialog(&f, f.Context(), hooks);
   });
