@@ -17,6 +17,7 @@
 #include "app/context.h"
 #include "archive/zipworkerinstall.h"
 #include "core/userinterface.h"
+#include "support/qtapp.h"
 #include "ziptestutil.h"
 
 namespace tessarin {
@@ -28,23 +29,6 @@ using testing::Shell;
 using testing::TempFolder;
 using testing::WriteAll;
 namespace fs = std::filesystem;
-
-class QtApp final : public ::testing::Environment {
- public:
-  void SetUp() override {
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
-    static int argc = 1;
-    static char name[] = "test_archive_ui";
-    static char* argv[] = {name, nullptr};
-    m_app = std::make_unique<QApplication>(argc, argv);
-  }
-  void TearDown() override { m_app.reset(); }
-
- private:
-  std::unique_ptr<QApplication> m_app;
-};
-[[maybe_unused]] ::testing::Environment* const kApp =
-    ::testing::AddGlobalTestEnvironment(new QtApp);
 
 class CountingUi final : public UserInterface {
  public:

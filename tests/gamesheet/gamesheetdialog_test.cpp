@@ -25,6 +25,7 @@
 #include "sheet/gamedetails.h"
 #include "sheet/sheettext.h"
 #include "store/indexfile.h"
+#include "support/qtapp.h"
 
 namespace tessarin {
 namespace {
@@ -35,23 +36,6 @@ using gamesheettest::SheetHome;
 using testsupport::ReadFile;
 using testsupport::TempFolder;
 using testsupport::WriteFile;
-
-class QtApp final : public ::testing::Environment {
- public:
-  void SetUp() override {
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
-    static int argc = 1;
-    static char name[] = "test_gamesheet_ui";
-    static char* argv[] = {name, nullptr};
-    m_app = std::make_unique<QApplication>(argc, argv);
-  }
-  void TearDown() override { m_app.reset(); }
-
- private:
-  std::unique_ptr<QApplication> m_app;
-};
-[[maybe_unused]] ::testing::Environment* const kApp =
-    ::testing::AddGlobalTestEnvironment(new QtApp);
 
 template <class T>
 T* Child(QWidget& dialog, const QString& name) {

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <QProcess>
 #include <QStringList>
 #include <filesystem>
 #include <string>
@@ -10,6 +9,7 @@
 
 #include "core/log.h"
 #include "store/indexfile.h"
+#include "support/clirun.h"
 #include "support/testfiles.h"
 
 namespace tessarin {
@@ -19,24 +19,8 @@ namespace fs = std::filesystem;
 using testsupport::TempFolder;
 using testsupport::WriteFile;
 
-struct CliResult {
-  int exitCode = -1;
-  std::string out, err;
-};
-
-CliResult RunCli(const std::vector<std::string>& args) {
-  QProcess process;
-  QStringList list;
-  for (const std::string& a : args) list << QString::fromStdString(a);
-  process.setStandardInputFile(QProcess::nullDevice());
-  process.start(QStringLiteral(TESSARIN_CLI_PATH), list);
-  CliResult result;
-  if (!process.waitForStarted(30000) || !process.waitForFinished(60000)) return result;
-  result.exitCode = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -2;
-  result.out = process.readAllStandardOutput().toStdString();
-  result.err = process.readAllStandardError().toStdString();
-  return result;
-}
+using testsupport::CliResult;
+using testsupport::RunCli;
 
 class ImageCommands : public ::testing::Test {
  protected:

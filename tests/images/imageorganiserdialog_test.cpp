@@ -15,6 +15,7 @@
 #include <memory>
 
 #include "shell/shell_test_support.h"
+#include "support/qtapp.h"
 
 namespace tessarin {
 namespace {
@@ -24,23 +25,6 @@ using shelltest::Exists;
 using shelltest::TestContext;
 using testsupport::TempFolder;
 using testsupport::WriteFile;
-
-class QtApp final : public ::testing::Environment {
- public:
-  void SetUp() override {
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
-    static int argc = 1;
-    static char name[] = "test_imageorganiser_ui";
-    static char* argv[] = {name, nullptr};
-    m_app = std::make_unique<QApplication>(argc, argv);
-  }
-  void TearDown() override { m_app.reset(); }
-
- private:
-  std::unique_ptr<QApplication> m_app;
-};
-[[maybe_unused]] ::testing::Environment* const kApp =
-    ::testing::AddGlobalTestEnvironment(new QtApp);
 
 template <class T>
 T* Child(QWidget& dialog, const char* name) {

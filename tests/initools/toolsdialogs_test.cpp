@@ -27,6 +27,7 @@
 #include "shell/mainframe.h"
 #include "shell/startup.h"
 #include "store/gamerecord.h"
+#include "support/qtapp.h"
 #include "support/scriptedui.h"
 #include "support/testfiles.h"
 #include "widgets/workingdialog.h"
@@ -43,23 +44,6 @@ using testsupport::WriteFile;
 constexpr std::string_view kHeader =
     "[FOLDER_SETTINGS]\r\nRootFolderIcon = cust1.ico\r\nSubFolderIcon = cust2.ico\r\n\r\n"
     "[ROOT_FOLDER]\r\n";
-
-class QtApp final : public ::testing::Environment {
- public:
-  void SetUp() override {
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
-    static int argc = 1;
-    static char name[] = "test_initools_ui";
-    static char* argv[] = {name, nullptr};
-    m_app = std::make_unique<QApplication>(argc, argv);
-  }
-  void TearDown() override { m_app.reset(); }
-
- private:
-  std::unique_ptr<QApplication> m_app;
-};
-[[maybe_unused]] ::testing::Environment* const kApp =
-    ::testing::AddGlobalTestEnvironment(new QtApp);
 
 template <class T>
 T* Child(QWidget* parent, const char* name) {

@@ -18,6 +18,7 @@
 #include "core/settings.h"
 #include "online/dataupdate.h"
 #include "online/updatedialog.h"
+#include "support/qtapp.h"
 #include "support/routeserver.h"
 #include "support/scriptedui.h"
 #include "support/testfiles.h"
@@ -33,23 +34,6 @@ using testsupport::RouteServer;
 using testsupport::ScriptedUi;
 using testsupport::TempFolder;
 using testsupport::WriteFile;
-
-class QtApp final : public ::testing::Environment {
- public:
-  void SetUp() override {
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
-    static int argc = 1;
-    static char name[] = "test_layouts_ui";
-    static char* argv[] = {name, nullptr};
-    m_app = std::make_unique<QApplication>(argc, argv);
-  }
-  void TearDown() override { m_app.reset(); }
-
- private:
-  std::unique_ptr<QApplication> m_app;
-};
-[[maybe_unused]] ::testing::Environment* const kApp =
-    ::testing::AddGlobalTestEnvironment(new QtApp);
 
 template <class T>
 T* Child(QWidget* parent, const char* name) {

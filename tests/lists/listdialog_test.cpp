@@ -20,6 +20,7 @@
 #include "core/settings.h"
 #include "core/work.h"
 #include "liststestsupport.h"
+#include "support/qtapp.h"
 #include "widgets/windowhelpersui.h"
 
 namespace tessarin {
@@ -28,23 +29,6 @@ namespace {
 using liststest::ListsFixture;
 using liststest::ReadFile;
 using liststest::TestHome;
-
-class QtApp final : public ::testing::Environment {
- public:
-  void SetUp() override {
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
-    static int argc = 1;
-    static char name[] = "test_lists_ui";
-    static char* argv[] = {name, nullptr};
-    m_app = std::make_unique<QApplication>(argc, argv);
-  }
-  void TearDown() override { m_app.reset(); }
-
- private:
-  std::unique_ptr<QApplication> m_app;
-};
-[[maybe_unused]] ::testing::Environment* const kApp =
-    ::testing::AddGlobalTestEnvironment(new QtApp);
 
 template <class T>
 T* Child(QWidget& dialog, const char* name) {

@@ -3,7 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <QProcess>
 #include <QStringList>
 #include <filesystem>
 
@@ -12,6 +11,7 @@
 #include "lists/textlists.h"
 #include "liststestsupport.h"
 #include "store/indexfile.h"
+#include "support/clirun.h"
 
 namespace tessarin {
 namespace {
@@ -20,24 +20,8 @@ using liststest::ListsFixture;
 using liststest::ReadFile;
 using liststest::TestHome;
 
-struct CliResult {
-  int exitCode = -1;
-  std::string out, err;
-};
-
-CliResult RunCli(const std::vector<std::string>& args) {
-  QProcess process;
-  QStringList list;
-  for (const std::string& a : args) list << QString::fromStdString(a);
-  process.setStandardInputFile(QProcess::nullDevice());
-  process.start(QStringLiteral(TESSARIN_CLI_PATH), list);
-  CliResult result;
-  if (!process.waitForStarted(30000) || !process.waitForFinished(120000)) return result;
-  result.exitCode = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -2;
-  result.out = process.readAllStandardOutput().toStdString();
-  result.err = process.readAllStandardError().toStdString();
-  return result;
-}
+using testsupport::CliResult;
+using testsupport::RunCli;
 
 class ListsCli : public ::testing::Test {
  protected:

@@ -2,34 +2,18 @@
 
 #include <gtest/gtest.h>
 
-#include <QProcess>
 #include <QStringList>
 #include <filesystem>
 
 #include "searchtestsupport.h"
+#include "support/clirun.h"
 #include "support/testfiles.h"
 
 namespace tessarin {
 namespace {
 
-struct CliResult {
-  int exitCode = -1;
-  std::string out, err;
-};
-
-CliResult RunCli(const std::vector<std::string>& args) {
-  QProcess process;
-  QStringList list;
-  for (const std::string& a : args) list << QString::fromStdString(a);
-  process.setStandardInputFile(QProcess::nullDevice());
-  process.start(QStringLiteral(TESSARIN_CLI_PATH), list);
-  CliResult result;
-  if (!process.waitForStarted(30000) || !process.waitForFinished(60000)) return result;
-  result.exitCode = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -2;
-  result.out = process.readAllStandardOutput().toStdString();
-  result.err = process.readAllStandardError().toStdString();
-  return result;
-}
+using testsupport::CliResult;
+using testsupport::RunCli;
 
 class SearchCli : public ::testing::Test {
  protected:

@@ -31,6 +31,7 @@
 #include "shell/desktopshellui.h"
 #include "shell/mainframe.h"
 #include "shell/startup.h"
+#include "support/qtapp.h"
 #include "widgets/desktopui.h"
 
 namespace tessarin {
@@ -40,22 +41,6 @@ using testsupport::ReadFile;
 using testsupport::TempFolder;
 using testsupport::WriteFile;
 namespace fs = std::filesystem;
-
-class QtApp final : public ::testing::Environment {
- public:
-  void SetUp() override {
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
-    static int argc = 1;
-    static char name[] = "test_search_ui";
-    static char* argv[] = {name, nullptr};
-    m_app = std::make_unique<QApplication>(argc, argv);
-  }
-  void TearDown() override { m_app.reset(); }
-
- private:
-  std::unique_ptr<QApplication> m_app;
-};
-const auto* const kQtApp = ::testing::AddGlobalTestEnvironment(new QtApp);
 
 // Answers from a script and remembers what it was told.
 class ScriptedUi final : public UserInterface {
