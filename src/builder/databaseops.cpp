@@ -7,10 +7,10 @@
 #include <filesystem>
 #include <fstream>
 
+#include "app/context.h"
 #include "builder/datanalysers.h"
 #include "builder/inianalysers.h"
 #include "builder/pipeline.h"
-#include "app/context.h"
 #include "core/fileservices.h"
 #include "core/guard.h"
 #include "core/log.h"
@@ -27,7 +27,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-std::string DataFileKey(int n) { return "Datafile" + std::to_string(n); }
+std::string DataFileKey(int n) { return "DataFile" + std::to_string(n); }
 
 // The first existing candidate, else the last one.
 std::string FirstExisting(const std::vector<std::string>& candidates) {
@@ -247,7 +247,8 @@ bool CreateDatabase(AppContext& ctx, Work& work, const std::string& dumpFile, bo
     return false;
   }
 
-  work.CancelRequested = false;
+  // The cancel flag is the caller's: a cancel given before this point must not be lost.
+  if (work.CancelRequested) return false;
   work.ProgressValue = 0;
   work.ProgressMax = 0;
   MakeFolder(AddSlash(app) + "DataFiles");
@@ -337,10 +338,10 @@ bool UpdateFromFiles(AppContext& ctx, Work& work) {
       return false;
     }
   }
-  ctx.SearchMayClose = true;
-  work.CancelRequested = false;
-  work.SetStatus(msg.Lng(50));
   auto cancelled = [&] { return work.CancelRequested.load(); };
+  if (cancelled()) return false;
+  ctx.SearchMayClose = true;
+  work.SetStatus(msg.Lng(50));
 
   // Here the "version from Mameinfo.dat" flag is this update's own.
   const bool verAddedFromMameinfo = AnalyseVerAddedMameinfo(ctx, std::string(), false, work);
@@ -399,8 +400,8 @@ UpdateReport UpdateSelected(AppContext& ctx, Work& work,
     return report;
   }
   report.loaded = true;
+  if (work.CancelRequested) return report;
   ctx.SearchMayClose = true;
-  work.CancelRequested = false;
   work.SetStatus(msg.Lng(42));
   work.ProgressValue = 0;
 

@@ -10,7 +10,7 @@ namespace tessarin {
 class AppContext;
 class Work;
 
-// The data file paths, element n kept under the settings key "Datafile" n; element 0 unused.
+// The data file paths, element n kept under the settings key "DataFile" n; element 0 unused.
 // 1 emulator, 2 History.dat, 3 Mameinfo.dat, 4 Cheat.dat, 5 Command.dat, 6 Hiscore.dat,
 // 7 Wizsort.ini, 8 Nplayers.ini or Multiplayer.ini, 9 Aspect.ini, 10 Controls.ini (both no
 // longer used), 11 Alltime.ini, 12 Catlist.ini, 13 Catver.ini, 14 Genre.ini, 15 Mature.ini,

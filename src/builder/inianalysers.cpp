@@ -6,8 +6,8 @@
 #include <system_error>
 #include <vector>
 
-#include "builder/datanalysers.h"
 #include "app/context.h"
+#include "builder/datanalysers.h"
 #include "core/fileservices.h"
 #include "core/guard.h"
 #include "core/log.h"
@@ -157,7 +157,12 @@ bool AnalyseVerAddedMameinfo(AppContext& ctx, const std::string& path, bool rese
           break;
         }
       }
-      if (!found) break;
+      // The file ended inside the entry: a read past the end, which fails the routine so that
+      // the build turns to the version files and Wizsort as its order intends.
+      if (!found) {
+        if (cancelled) break;
+        throw Failure(62, "Input past end of file");
+      }
       const size_t bracket = version.find('[');
       if (bracket != std::string::npos)
         version.assign(TrimBlanks(std::string_view(version).substr(0, bracket)));

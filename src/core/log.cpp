@@ -83,7 +83,7 @@ void Log::LogError(std::string_view text) {
 bool Log::WriteLogLine(std::string_view text, bool overwrite, std::string_view path) {
   std::lock_guard lock(m_mutex);
   const std::string target =
-      path.empty() ? FindFileNoCase(m_appFolder, "Tessarin.LOG.txt") : std::string(path);
+      path.empty() ? FindFileNoCase(m_appFolder, kLogName) : std::string(path);
   return AppendLines(target, std::string(text) + "\r\n", overwrite);
 }
 

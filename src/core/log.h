@@ -23,8 +23,8 @@ class Log final {
 
   explicit Log(std::string appFolder);
 
-  // The name of the log in the application folder, as the file system spells it (found without
-  // regard to case, so that "Tessarin.LOG.txt" and "Tessarin.log.txt" are one file).
+  // The name of the log in the application folder, as the file system spells it. We write it as
+  // Tessarin.log.txt; an older file of another case is found and kept as the one log.
   std::string LogPath() const;
 
   void SetTrackPoint(int point) { m_trackPoint.store(point); }

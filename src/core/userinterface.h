@@ -24,6 +24,12 @@ class UserInterface {
                                  const std::string& filter, bool save) = 0;
   // Opens a document, a folder or an address in the desktop's own program.
   virtual void OpenDocument(const std::string& pathOrAddress) = 0;
+
+  // Called around a job that runs under a progress window: while held, the messages the job
+  // shows wait and come once the window has gone (questions are asked at once). Calls nest.
+  // Front ends without such a window ignore them.
+  virtual void HoldJobMessages() {}
+  virtual void ReleaseJobMessages() {}
 };
 
 }  // namespace tessarin

@@ -3,17 +3,18 @@
 #include <QApplication>
 #include <QDir>
 #include <QMessageBox>
+#include <cstdio>
 #include <cstdlib>
 
 #include "app/context.h"
 #include "core/fileservices.h"
-#include "widgets/desktopui.h"
 #include "shell/languagedialog.h"
 #include "shell/mainframe.h"
 #include "shell/pathwizarddialog.h"
+#include "store/indexfile.h"
+#include "widgets/desktopui.h"
 #include "widgets/picturesui.h"
 #include "widgets/windowhelpersui.h"
-#include "store/indexfile.h"
 
 namespace tessarin {
 
@@ -78,8 +79,12 @@ int RunDesktopProgram(int argc, char** argv) {
   QtUserInterface ui(ctx);
   ctx.SetUi(&ui);
   ctx.log.SetFatalHandler([&ui](const std::string& logPath) {
-    ui.OpenDocument(logPath);
-    std::exit(1);
+    // Ends on the interface thread, never from a job's thread; with no destructors run, since
+    // a job may still be running (every file we write is whole on disk already).
+    ui.EndAfterFatal(logPath, [](int code) {
+      std::fflush(nullptr);
+      std::_Exit(code);
+    });
   });
   ShellSession session;
   UrlTables sites;

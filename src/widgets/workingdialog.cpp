@@ -11,8 +11,9 @@
 #include <QVBoxLayout>
 
 #include "app/context.h"
+#include "core/guard.h"
+#include "core/userinterface.h"
 #include "core/work.h"
-#include "widgets/desktopui.h"
 #include "widgets/picturesui.h"
 #include "widgets/windowhelpersui.h"
 #include "widgets/windowrules.h"
@@ -173,23 +174,20 @@ bool RunWithWorkingDialog(QWidget* parent, AppContext& ctx, const std::string& l
                           std::function<void(Work&)> job, bool showCancel) {
   Work work;
   work.Reset();
-  auto* desktopUi = dynamic_cast<QtUserInterface*>(&ctx.Ui());
-  if (desktopUi) desktopUi->HoldJobMessages();
+  UserInterface& ui = ctx.Ui();
+  ui.HoldJobMessages();
   WorkingDialog dialog(parent, ctx, work, ToQt(label), showCancel);
-  QThread* thread = QThread::create([&] {
-    try {
-      job(work);
-    } catch (...) {
-      ctx.log.LogError({});
-    }
-  });
+  // The job's own boundary, with a number of its own: the log then doesn't blame whichever
+  // routine happened to set the tracking number last.
+  QThread* thread =
+      QThread::create([&] { RunGuarded(ctx.log, kWorkingJobTrackPoint, [&] { job(work); }); });
   QObject::connect(thread, &QThread::finished, &dialog, &WorkingDialog::Finish,
                    Qt::QueuedConnection);
   thread->start();
   dialog.exec();
   thread->wait();
   delete thread;
-  if (desktopUi) desktopUi->ReleaseJobMessages();
+  ui.ReleaseJobMessages();
   return !work.CancelRequested.load();
 }
 

@@ -60,6 +60,9 @@ class WorkingDialog final : public QDialog {
   bool m_placed = false;
 };
 
+// The tracking number under which a job's escaping failure is logged.
+inline constexpr int kWorkingJobTrackPoint = 1601;
+
 // Runs `job` on a worker thread under a modal working dialog whose label is `label`, and gives
 // true when it ran to its end without a cancel. The job reads its cancel flag and sets its
 // progress on the Work it is given; it may ask the user through ctx.Ui(), which waits for the

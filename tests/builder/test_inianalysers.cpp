@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "builder/inianalysers.h"
 #include "app/context.h"
+#include "builder/inianalysers.h"
 #include "store/faststrings.h"
 #include "store/gamerecord.h"
 #include "test_datanalysers_fixture.h"
@@ -350,6 +350,19 @@ TEST_F(AnalyserTest, VerAddedMameinfoSkipsLinesUntilOneStartsWithADigit) {
   EXPECT_EQ(Field("alpha", 'K'), "1");
   EXPECT_EQ(ctx->store.VerAddedTable[1], "0.005");
   EXPECT_EQ(ctx->store.VerAddedTable[2], "0.009");
+}
+
+TEST_F(AnalyserTest, VerAddedMameinfoFailsWhenTheFileEndsBeforeAVersionLine) {
+  // beta's entry never starts a line with a digit: the search for its version reads past the
+  // end of the file, which is a failure of the routine, logged as an error group.
+  Install("dat/mameinfo_noversion.dat", "datafiles/mameinfo.dat");
+  EXPECT_FALSE(AnalyseVerAddedMameinfo(*ctx, "", false, work));
+  // What was read before the end stays.
+  EXPECT_EQ(Field("alpha", 'K'), "1");
+  EXPECT_EQ(Field("beta", 'K'), "#V");
+  const std::string log = LogText();
+  EXPECT_NE(log.find("\r\n62 Input past end of file\r\n<END>\r\n"), std::string::npos) << log;
+  EXPECT_EQ(ctx->log.BugCount(), 1);
 }
 
 TEST_F(AnalyserTest, VerAddedFileHandsOverToMameinfo) {

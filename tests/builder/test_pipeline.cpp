@@ -180,6 +180,23 @@ TEST(Pipeline, WizsortTakesThePlaceOfTheOtherClassifyingLists) {
   EXPECT_EQ(other.ctx.store.GenreTable, (CodeTable{"", "Shooter"}));
 }
 
+TEST(Pipeline, MameinfoWithoutVersionLinesLeavesTheVersionsToWizsort) {
+  TestHome home;
+  PutDump(home, "dumps/machine_lf.xml", DefaultListXmlPath(home.Folder()));
+  // A Mameinfo.dat whose entries never start a line with a digit: its routine fails at the end
+  // of the file, so Wizsort.ini gives the versions.
+  WriteBytes(home.DataFiles() + "mameinfo.dat",
+             "$info=dkong\r\n$mame\r\nFirst seen long ago.\r\n$end\r\n");
+  WriteBytes(home.DataFiles() + "wizsort.ini", "[VerAdded]\r\ndkong=.37b5\r\n");
+  Work work;
+  ASSERT_TRUE(BuildDatabase(home.ctx, work));
+  const GameStore& store = home.ctx.store;
+  const std::string& dkong = store.GameRecords[static_cast<size_t>(store.FindGame("dkong"))];
+  EXPECT_NE(dkong.find(";K1;"), std::string::npos) << dkong;
+  EXPECT_EQ(store.VerAddedTable, (CodeTable{"", "0.037b5"}));
+  EXPECT_EQ(home.ctx.log.BugCount(), 1);
+}
+
 TEST(Pipeline, CatverGivesOnlyVersionsInABuild) {
   for (const bool withCatlist : {false, true}) {
     TestHome home;

@@ -100,7 +100,7 @@ TEST(DatabaseOps, ScanRomsWithoutDatabaseOrRomFolderTellsTheUser) {
 
 TEST(DatabaseOps, VersionFromTheHelpLine) {
   TestHome home;
-  home.ctx.settings.InfWrite("Datafile1", kFakeEmulator);
+  home.ctx.settings.InfWrite("DataFile1", kFakeEmulator);
   const double number = TrouveVersionMAME(home.ctx);
   EXPECT_EQ(home.ctx.store.DatabaseVersion, "MAME v0.999 (fake for tests)");
   // Read from the 9th character on, as the old "M.A.M.E. v0.37" lines were.
@@ -121,7 +121,7 @@ TEST(DatabaseOps, RunListXmlWorksFromAPathWithBlanks) {
   fs::create_directories(folder);
   const std::string emulator = folder + "fake mame.sh";
   fs::copy_file(kFakeEmulator, emulator);
-  home.ctx.settings.InfWrite("Datafile1", emulator);
+  home.ctx.settings.InfWrite("DataFile1", emulator);
   EnvVar list("TESSARIN_FAKE_LIST", BuilderFixture("dumps/old_game_crlf.xml"));
   const std::string target = home.Folder() + "out dir/list xml";
   fs::create_directories(home.Folder() + "out dir");
@@ -139,7 +139,7 @@ TEST(DatabaseOps, RunListXmlWorksFromAPathWithBlanks) {
 
 TEST(DatabaseOps, RunListXmlOfASilentEmulatorIsFalse) {
   TestHome home;
-  home.ctx.settings.InfWrite("Datafile1", kFakeEmulator);
+  home.ctx.settings.InfWrite("DataFile1", kFakeEmulator);
   EnvVar silent("TESSARIN_FAKE_SILENT", "1");
   const std::string target = home.Folder() + "listxml.txt";
   WriteBytes(target, "an older list");
@@ -148,7 +148,7 @@ TEST(DatabaseOps, RunListXmlOfASilentEmulatorIsFalse) {
 
 TEST(DatabaseOps, CreateDatabaseRunsTheEmulatorBuildsScansAndSaves) {
   TestHome home;
-  home.ctx.settings.InfWrite("Datafile1", kFakeEmulator);
+  home.ctx.settings.InfWrite("DataFile1", kFakeEmulator);
   fs::create_directories(home.Folder() + "roms");
   WriteBytes(home.Folder() + "roms/pacman.zip", "zip");
   home.ctx.settings.InfWrite("RomPath", home.Folder() + "roms/");
@@ -182,7 +182,7 @@ TEST(DatabaseOps, CreateDatabaseRunsTheEmulatorBuildsScansAndSaves) {
 
 TEST(DatabaseOps, CreateDatabaseWithASilentEmulatorKeepsTheOldDatabase) {
   TestHome home;
-  home.ctx.settings.InfWrite("Datafile1", kFakeEmulator);
+  home.ctx.settings.InfWrite("DataFile1", kFakeEmulator);
   WriteBytes(IndexFilePath(home.Folder()), "old\r\n");
   EnvVar silent("TESSARIN_FAKE_SILENT", "1");
   Work work;
@@ -194,7 +194,7 @@ TEST(DatabaseOps, CreateDatabaseWithASilentEmulatorKeepsTheOldDatabase) {
 
 TEST(DatabaseOps, EmulatorWithoutVersionLineGivesAnEmptyFirstLine) {
   TestHome home;
-  home.ctx.settings.InfWrite("Datafile1", kFakeEmulator);
+  home.ctx.settings.InfWrite("DataFile1", kFakeEmulator);
   home.ctx.store.DatabaseVersion = "from an earlier run";
   EnvVar noVersion("TESSARIN_FAKE_NOVERSION", "1");
   Work work;
@@ -206,7 +206,7 @@ TEST(DatabaseOps, EmulatorWithoutVersionLineGivesAnEmptyFirstLine) {
 
 TEST(DatabaseOps, CreateDatabaseWithoutEmulatorAsksForOne) {
   TestHome home;
-  home.ctx.settings.InfWrite("Datafile1", home.Folder() + "nothing here");
+  home.ctx.settings.InfWrite("DataFile1", home.Folder() + "nothing here");
   Work work;
   EXPECT_FALSE(CreateDatabase(home.ctx, work));
   ASSERT_EQ(home.ui.messages.size(), 1u);
@@ -303,6 +303,49 @@ TEST(DatabaseOps, UpdateFromFilesResetsAndRefills) {
   EXPECT_EQ(home.ui.messages.back().text, "Done.");
 }
 
+// The cancel flag belongs to whoever starts a job: a cancel given before the job reaches its
+// first line is kept, and the job stops without touching the database.
+TEST(DatabaseOps, ACancelGivenBeforeTheStartIsKept) {
+  TestHome home;
+  home.ctx.settings.InfWrite("DataFile1", kFakeEmulator);
+  Work work;
+  work.CancelRequested = true;
+  EXPECT_FALSE(CreateDatabase(home.ctx, work));
+  EXPECT_TRUE(work.CancelRequested);
+  EXPECT_FALSE(FileExists(IndexFilePath(home.Folder())));
+  EXPECT_FALSE(FileExists(DefaultListXmlPath(home.Folder())));
+  EXPECT_EQ(home.ctx.store.GameCount(), 0);
+
+  AddGames(home.ctx.store, {"pacman", "dkong"});
+  WriteBytes(home.DataFiles() + "cheat.dat", ":dkong:0:1:2:x\r\n");
+  EXPECT_FALSE(UpdateFromFiles(home.ctx, work));
+  EXPECT_TRUE(work.CancelRequested);
+  EXPECT_NE(home.ctx.store.GameRecords[2].find(";R#CH;"), std::string::npos);
+
+  std::array<bool, kUpdateEntryCount> checked{};
+  checked[static_cast<size_t>(UpdateEntry::Cheat)] = true;
+  const UpdateReport report = UpdateSelected(home.ctx, work, checked);
+  EXPECT_FALSE(report.fullRun);
+  EXPECT_FALSE(report.saved);
+  EXPECT_TRUE(work.CancelRequested);
+  EXPECT_NE(home.ctx.store.GameRecords[2].find(";R#CH;"), std::string::npos);
+  EXPECT_FALSE(FileExists(IndexFilePath(home.Folder())));
+}
+
+TEST(DatabaseOps, PathsAreWrittenUnderTheKeysDataFileN) {
+  TestHome home;
+  DataFilePaths paths;
+  for (int n = 1; n <= kDataFileCount; ++n)
+    paths[static_cast<size_t>(n)] = "/p" + std::to_string(n);
+  SavePaths(home.ctx, paths, {});
+  const std::string settings = ReadBytes(home.ctx.settings.FilePath());
+  for (int n = 1; n <= kDataFileCount; ++n) {
+    const std::string line = "DataFile" + std::to_string(n) + "=/p" + std::to_string(n) + "\r\n";
+    EXPECT_NE(settings.find(line), std::string::npos) << line << settings;
+  }
+  EXPECT_EQ(settings.find("Datafile"), std::string::npos) << settings;
+}
+
 TEST(DatabaseOps, DefaultPathsFallBackToTheDataFolderAndSetTheRomFolder) {
   TestHome home;
   WriteBytes(home.DataFiles() + "HISTORY.DAT", "x");
@@ -314,7 +357,7 @@ TEST(DatabaseOps, DefaultPathsFallBackToTheDataFolderAndSetTheRomFolder) {
   EXPECT_EQ(paths[8], home.DataFiles() + "Multiplayer.ini");
   EXPECT_NE(home.ctx.settings.InfRead("RomPath"), "-1");
   // Settings win over what lies on the disk.
-  home.ctx.settings.InfWrite("Datafile3", "/elsewhere/mameinfo.dat");
+  home.ctx.settings.InfWrite("DataFile3", "/elsewhere/mameinfo.dat");
   EXPECT_EQ(LoadDataFilePaths(home.ctx)[3], "/elsewhere/mameinfo.dat");
   DataFilePaths changed = paths;
   changed[5] = "/x/command.dat";

@@ -20,22 +20,25 @@
 #include <atomic>
 #include <filesystem>
 #include <functional>
+#include <stdexcept>
+#include <thread>
 
 #include "core/fileservices.h"
+#include "core/guard.h"
 #include "core/work.h"
 #include "shell/aboutdialog.h"
 #include "shell/desktopshellui.h"
-#include "widgets/desktopui.h"
 #include "shell/mainframe.h"
 #include "shell/mainpanel.h"
 #include "shell/optionsdialog.h"
 #include "shell/pathwizarddialog.h"
 #include "shell/prioritydialog.h"
 #include "shell/startup.h"
-#include "widgets/windowhelpersui.h"
-#include "widgets/workingdialog.h"
 #include "shell_test_support.h"
 #include "store/indexfile.h"
+#include "widgets/desktopui.h"
+#include "widgets/windowhelpersui.h"
+#include "widgets/workingdialog.h"
 
 namespace tessarin {
 namespace {
@@ -101,16 +104,17 @@ void Shot(QWidget* widget, const QString& name) {
 struct DesktopRun {
   TempFolder folder;
   AppContext ctx{folder.Path()};
-  QtUserInterface ui{ctx};
+  std::vector<std::string> opened;
+  // Documents are noted instead of opened in a viewer.
+  QtUserInterface ui{ctx, [this](const std::string& path) {
+                       opened.push_back(path);
+                       return true;
+                     }};
   ShellSession session;
   UrlTables sites;
   std::unique_ptr<MainFrame> frame;
-  std::vector<std::string> opened;
 
-  DesktopRun() {
-    ctx.SetUi(&ui);
-    ui.OpenHook = [this](const std::string& path) { opened.push_back(path); };
-  }
+  DesktopRun() { ctx.SetUi(&ui); }
   ~DesktopRun() {
     if (frame) frame->close();
     frame.reset();
@@ -638,6 +642,31 @@ TEST(WorkingDialog, JobMessageComesAfterTheWorkingDialogHasGone) {
   ctx.SetUi(nullptr);
 }
 
+TEST(WorkingDialog, AnyInterfaceHoldsTheJobsMessages) {
+  // The dialog speaks to the interface it is given, whatever its class.
+  WorkingFixture f;
+  EXPECT_TRUE(RunWithWorkingDialog(nullptr, f.ctx, "x", [&](Work&) {
+    EXPECT_EQ(f.ui.holds, 1);
+    EXPECT_EQ(f.ui.releases, 0);
+  }));
+  EXPECT_EQ(f.ui.holds, 1);
+  EXPECT_EQ(f.ui.releases, 1);
+}
+
+TEST(WorkingDialog, AFailingJobIsLoggedUnderTheDialogsOwnNumber) {
+  WorkingFixture f;
+  f.ctx.log.SetFatalHandler([](const std::string&) {});
+  f.ctx.log.SetTrackPoint(4242);  // whatever ran before
+  EXPECT_TRUE(RunWithWorkingDialog(nullptr, f.ctx, "x",
+                                   [&](Work&) { throw std::runtime_error("broken job"); }));
+  EXPECT_EQ(f.ctx.log.BugCount(), 1);
+  const std::string log = ReadFile(f.ctx.log.LogPath());
+  EXPECT_NE(log.find("TRACKING BUG NUMBER = " + std::to_string(kWorkingJobTrackPoint) + "\r\n"),
+            std::string::npos)
+      << log;
+  EXPECT_NE(log.find("broken job"), std::string::npos) << log;
+}
+
 TEST(WorkingDialog, StoredPositionIsUsed) {
   WorkingFixture f;
   f.ctx.settings.InfWrite("FrmWorkTop", 40);
@@ -650,6 +679,64 @@ TEST(WorkingDialog, StoredPositionIsUsed) {
     while (!stop) QThread::msleep(5);
   });
   EXPECT_EQ(place, QPoint(30, 40));
+}
+
+// --- The desktop's interface ---
+
+TEST(DesktopInterface, TheSixthFailureEndsTheRunOnTheInterfaceThread) {
+  TempFolder folder;
+  AppContext ctx(folder.Path());
+  ctx.messages.LoadMessages();
+  std::vector<std::string> opened;
+  QtUserInterface ui(ctx, [&](const std::string& path) {
+    opened.push_back(path);
+    return true;
+  });
+  std::atomic<int> endCode{-1};
+  std::thread::id endThread;
+  ctx.log.SetFatalHandler([&](const std::string& logPath) {
+    ui.EndAfterFatal(logPath, [&](int code) {
+      endThread = std::this_thread::get_id();
+      endCode = code;
+    });
+  });
+  bool workerWentOn = false;
+  std::thread worker([&] {
+    for (int i = 0; i < 6; ++i) {
+      RunGuarded(ctx.log, 100 + i, [] { throw std::runtime_error("fault"); });
+    }
+    workerWentOn = true;  // the handler came back: the worker wasn't ended
+  });
+  worker.join();
+  EXPECT_TRUE(workerWentOn);
+  EXPECT_EQ(endCode.load(), -1);  // not yet: the interface thread ends the run
+  ASSERT_TRUE(WaitFor([&] { return endCode.load() != -1; }));
+  EXPECT_EQ(endCode.load(), 1);
+  EXPECT_EQ(endThread, std::this_thread::get_id());
+  ASSERT_EQ(opened.size(), 1u);
+  EXPECT_EQ(opened[0], ctx.log.LogPath());
+}
+
+TEST(DesktopInterface, ADocumentNothingOpensIsNamedInAMessage) {
+  TempFolder folder;
+  AppContext ctx(folder.Path());
+  ctx.messages.LoadMessages();
+  QtUserInterface ui(ctx, [](const std::string&) { return false; });
+  ctx.SetUi(&ui);
+  QString shown;
+  ModalDriver driver([&](QWidget* modal) {
+    if (auto* label = modal->findChild<QLabel*>(QStringLiteral("Label1"))) shown = label->text();
+    if (auto* box = qobject_cast<QMessageBox*>(modal)) {
+      shown = box->text();
+      box->accept();
+      return;
+    }
+    Click(modal, "Command1");
+  });
+  const std::string notes = folder / "NOTES.TXT";
+  ui.OpenDocument(notes);
+  EXPECT_NE(shown.indexOf(ToQt(notes)), -1) << shown.toStdString();
+  ctx.SetUi(nullptr);
 }
 
 // --- Message box ---
