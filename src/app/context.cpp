@@ -29,6 +29,8 @@ QuietInterface& Quiet() {
   return quiet;
 }
 
+}  // namespace
+
 bool FolderIsWritable(const std::string& folder) {
   if (!FolderExists(folder)) return false;
   const std::string probe = AddSlash(folder) + ".tessarin-write-test";
@@ -36,8 +38,6 @@ bool FolderIsWritable(const std::string& folder) {
   KillQuiet(probe);
   return true;
 }
-
-}  // namespace
 
 AppContext::AppContext(const std::string& appFolder)
     : log(AddSlash(appFolder)),

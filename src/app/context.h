@@ -41,6 +41,9 @@ class AppContext final {
   UserInterface* m_ui;
 };
 
+// True when a file can be made in `folder` (which must exist).
+bool FolderIsWritable(const std::string& folder);
+
 // The application folder: `homeArgument` when given, else the executable's folder when it can
 // be written to (a portable install), else the user's data folder. With a final separator.
 std::string ResolveAppFolder(const std::string& homeArgument, const std::string& executableFolder);

@@ -68,10 +68,13 @@ std::string EmulatorOfSettings(const AppContext& ctx) { return ctx.settings.InfR
 
 // Runs the emulator with one option into `target`; the old file goes first, so that a run that
 // prints nothing can't leave an earlier list behind.
-void RunEmulator(const AppContext& ctx, const std::string& option, const std::string& target) {
+// A cancel of the job ends the emulator at once.
+void RunEmulator(const AppContext& ctx, const std::string& option, const std::string& target,
+                 Work* work) {
   KillQuiet(target);
   RunOptions options;
   options.standardOutputFile = target;
+  if (work) options.cancel = &work->CancelRequested;
   RunAndWait(EmulatorOfSettings(ctx), {option}, options);
 }
 
@@ -190,11 +193,11 @@ double LeadingNumberValue(std::string_view text) {
   return std::strtod(number.c_str(), nullptr);
 }
 
-double TrouveVersionMAME(AppContext& ctx) {
+double TrouveVersionMAME(AppContext& ctx, Work* work) {
   double version = 0;
   RunGuarded(ctx.log, 3601, [&] {
     const std::string target = AddSlash(ctx.AppFolder()) + "vermame.txt";
-    RunEmulator(ctx, "-help", target);
+    RunEmulator(ctx, "-help", target, work);
     if (!FileExists(target)) return;
     std::string text;
     if (!ReadWholeFile(target, text)) return;
@@ -208,12 +211,12 @@ double TrouveVersionMAME(AppContext& ctx) {
   return version;
 }
 
-bool RunListXml(AppContext& ctx, const std::string& path) {
+bool RunListXml(AppContext& ctx, const std::string& path, Work* work) {
   bool made = false;
   RunGuarded(ctx.log, 3602, [&] {
     const std::string target = path.empty() ? AddSlash(ctx.AppFolder()) + "listxml.txt" : path;
-    RunEmulator(ctx, "-listxml", target);
-    made = HasContent(target);
+    RunEmulator(ctx, "-listxml", target, work);
+    made = HasContent(target) && !(work && work->CancelRequested);
   });
   return made;
 }
@@ -224,9 +227,9 @@ bool RunListInfo(AppContext& ctx, Work& work, const std::string& path) {
     const std::string target = path.empty() ? AddSlash(ctx.AppFolder()) + "listinfo.txt" : path;
     work.ProgressValue = 0;
     work.ProgressMax = 10;
-    RunEmulator(ctx, "-listinfo", target);
+    RunEmulator(ctx, "-listinfo", target, &work);
     work.ProgressValue = 5;
-    made = HasContent(target);
+    made = HasContent(target) && !work.CancelRequested;
   });
   return made;
 }
@@ -256,7 +259,8 @@ bool CreateDatabase(AppContext& ctx, Work& work, const std::string& dumpFile, bo
   const std::string legacyDump = DefaultListInfoPath(app);
 
   std::string dump;
-  if (haveEmulator) TrouveVersionMAME(ctx);
+  if (haveEmulator) TrouveVersionMAME(ctx, &work);
+  if (work.CancelRequested) return false;
   if (!dumpFile.empty()) {
     // A list printed earlier stands in for the emulator's run; it goes to the dump's place,
     // and the other dump goes, so that the build reads this list only.
@@ -289,13 +293,16 @@ bool CreateDatabase(AppContext& ctx, Work& work, const std::string& dumpFile, bo
     work.SetStatus(msg.Lng(xml ? 60 : 61));
   } else {
     work.SetStatus(msg.Lng(59));
-    if (RunListXml(ctx, xmlDump)) {
+    if (RunListXml(ctx, xmlDump, &work)) {
       dump = xmlDump;
       work.SetStatus(msg.Lng(60));
+    } else if (work.CancelRequested) {
+      return false;
     } else if (RunListInfo(ctx, work, legacyDump)) {
       dump = legacyDump;
       work.SetStatus(msg.Lng(61));
     } else {
+      if (work.CancelRequested) return false;
       ui.ShowMessage(false, msg.Lng(332), {}, Icon::Information);
       return false;
     }

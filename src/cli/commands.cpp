@@ -8,7 +8,8 @@
 
 namespace tessarin {
 
-int RunCli(int argc, char** argv, const std::string& executableFolder) {
+int RunCli(int argc, char** argv, const std::string& executableFolder,
+           const std::function<void(CliRegistry&)>& moreCommands) {
   CLI::App app{"tessarin-cli: builds, inspects and exports Tessarin's game database."};
   app.name("tessarin-cli");
   std::string home;
@@ -23,6 +24,7 @@ int RunCli(int argc, char** argv, const std::string& executableFolder) {
   CliRegistry registry(app);
   RegisterDatabaseCommands(registry);
   RegisterSettingsCommands(registry);
+  if (moreCommands) moreCommands(registry);
 
   try {
     app.parse(argc, argv);

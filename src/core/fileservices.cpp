@@ -238,8 +238,22 @@ int RunAndWait(const std::string& program, const std::vector<std::string>& argum
   process.start();
   // 53 is "File not found", the error a missing program has always given here.
   if (!process.waitForStarted(-1)) return kRunStartFailure + 53;
-  // No time-out: the wait ends only with the program, as a build must not be cut short.
-  process.waitForFinished(-1);
+  // No time-out: the wait ends only with the program, as a build must not be cut short, or with
+  // a cancel, which must not wait for a list of hundreds of megabytes to be printed.
+  if (!options.cancel) {
+    process.waitForFinished(-1);
+  } else {
+    while (!process.waitForFinished(100)) {
+      if (process.state() == QProcess::NotRunning) break;
+      if (!options.cancel->load()) continue;
+      process.terminate();
+      if (!process.waitForFinished(std::max(0, options.cancelGraceMilliseconds))) {
+        process.kill();
+        process.waitForFinished(-1);
+      }
+      return kRunCancelled;
+    }
+  }
   if (process.exitStatus() == QProcess::CrashExit) return kRunStartFailure + 51;
   return process.exitCode();
 }

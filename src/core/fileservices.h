@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <filesystem>
 #include <string>
 #include <string_view>
@@ -59,12 +60,18 @@ struct RunOptions {
   int style = 6;
   // Working folder; empty for the current one.
   std::string workingFolder;
+  // Polled while the program runs (a job's cancel flag): once it is true the program is asked
+  // to end, and killed when it is still running `cancelGraceMilliseconds` later.
+  const std::atomic<bool>* cancel = nullptr;
+  int cancelGraceMilliseconds = 2000;
 };
+// What RunAndWait gives when the program was ended by a cancel (18, "User interrupt").
+constexpr int kRunCancelled = -2147221504 + 18;
 // The result RunAndWait gives when the program can't be started: this plus an error number.
 constexpr int kRunStartFailure = -2147221504;
 // Runs a program with its arguments (no shell: paths with blanks are safe), waits for its end
 // and gives its exit code. A program that can't be started gives kRunStartFailure + 53, a
-// negative number.
+// negative number; one ended by options.cancel gives kRunCancelled.
 int RunAndWait(const std::string& program, const std::vector<std::string>& arguments,
                const RunOptions& options = {});
 // The style RunAndWait uses for a requested one: 0 to 6 stay, anything else is 6.

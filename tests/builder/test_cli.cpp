@@ -4,6 +4,9 @@
 #include <QProcessEnvironment>
 #include <QStringList>
 #include <QTemporaryDir>
+#include <QThread>
+#include <chrono>
+#include <csignal>
 #include <filesystem>
 
 #include "buildertestsupport.h"
@@ -185,6 +188,64 @@ TEST_F(Cli, SettingsGetAndSet) {
   const CliResult got = RunCli(With({"get", "Frm7Skin"}));
   EXPECT_EQ(got.exitCode, 0);
   EXPECT_EQ(got.out, "Blue sky\n");
+}
+
+TEST_F(Cli, VersionIsShownAndWritesNothing) {
+  const CliResult version = RunCli(With({"--version"}));
+  EXPECT_EQ(version.exitCode, 0);
+  EXPECT_EQ(version.out.rfind("tessarin-cli ", 0), 0u) << version.out;
+  EXPECT_NE(version.out.find_first_of("0123456789"), std::string::npos) << version.out;
+  EXPECT_TRUE(std::filesystem::is_empty(Home()));
+}
+
+TEST_F(Cli, SetOfAnUnknownKeyWarnsAndStillWrites) {
+  const CliResult unknown = RunCli(With({"set", "MyOwnKey", "42"}));
+  EXPECT_EQ(unknown.exitCode, 0);
+  EXPECT_NE(unknown.err.find("MyOwnKey"), std::string::npos) << unknown.err;
+  EXPECT_NE(unknown.err.find("Warning"), std::string::npos) << unknown.err;
+  EXPECT_EQ(RunCli(With({"get", "MyOwnKey"})).out, "42\n");
+  // A known key, in any case, is written without a word.
+  const CliResult known = RunCli(With({"set", "datafile2", "/data/history.dat"}));
+  EXPECT_EQ(known.exitCode, 0);
+  EXPECT_EQ(known.err, "");
+}
+
+TEST_F(Cli, SetHelpListsEveryKnownKeyWithItsMeaning) {
+  const CliResult help = RunCli({"set", "--help"});
+  EXPECT_EQ(help.exitCode, 0);
+  for (int n = 1; n <= 17; ++n) {
+    EXPECT_NE(help.out.find("DataFile" + std::to_string(n) + ": "), std::string::npos) << n;
+  }
+  for (const char* text : {"DataFile1: the emulator", "DataFile17: Version.ini",
+                           "RomPath: ", "SnapPath: ", "TitlesPath: ", "FlyersPath: "}) {
+    EXPECT_NE(help.out.find(text), std::string::npos) << text << help.out;
+  }
+}
+
+TEST_F(Cli, InterruptWhileTheEmulatorRunsEndsItAtOnce) {
+  QProcess process;
+  QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+  environment.insert(QStringLiteral("TESSARIN_FAKE_HANG"), QStringLiteral("stubborn"));
+  process.setProcessEnvironment(environment);
+  process.setStandardInputFile(QProcess::nullDevice());
+  QStringList args;
+  for (const std::string& a : With({"build", "--emulator", BuilderFixture("cli/fake-mame.sh")})) {
+    args << QString::fromStdString(a);
+  }
+  process.start(QStringLiteral(TESSARIN_CLI_PATH), args);
+  ASSERT_TRUE(process.waitForStarted(30000));
+  // The list has begun (and hangs) once the dump exists.
+  const std::string dump = Home() + "/DataFiles/listxml";
+  for (int i = 0; i < 200 && !std::filesystem::exists(dump); ++i) QThread::msleep(50);
+  ASSERT_TRUE(std::filesystem::exists(dump));
+  QThread::msleep(200);
+  const auto start = std::chrono::steady_clock::now();
+  ::kill(static_cast<pid_t>(process.processId()), SIGINT);
+  ASSERT_TRUE(process.waitForFinished(20000));
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10));
+  EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
+  EXPECT_EQ(process.exitCode(), 1);
+  EXPECT_FALSE(std::filesystem::exists(IndexFilePath(Home())));
 }
 
 TEST_F(Cli, ScanRomsMarksTheGamesFound) {
