@@ -43,15 +43,6 @@ std::uint64_t Read64(const char* p) {
   return static_cast<std::uint64_t>(Read32(p)) | (static_cast<std::uint64_t>(Read32(p + 4)) << 32);
 }
 
-std::string LowerKey(std::string_view name) {
-  std::string key(name);
-  for (char& c : key) {
-    if (c == '/') c = '\\';
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-  }
-  return key;
-}
-
 }  // namespace
 
 std::string ZipDateTime::ToText() const {
@@ -312,7 +303,7 @@ bool ZipExtractionClass::ReadCentralDirectory(std::uint64_t cdOffset, std::uint6
     // Folders and empty files have nothing to write: they stay out of the table.
     if (entry.uncompressedSize == 0) continue;
     std::replace(entry.filename.begin(), entry.filename.end(), '/', '\\');
-    m_byName.emplace(LowerKey(entry.filename), static_cast<int>(m_entries.size()));
+    m_byName.emplace(EntryNameKey(entry.filename), static_cast<int>(m_entries.size()));
     m_entries.push_back(std::move(entry));
   }
   return true;
@@ -342,7 +333,7 @@ const ZipEntry& ZipExtractionClass::Entry(int entry) const {
 }
 
 int ZipExtractionClass::FindEntry(std::string_view name) const {
-  const auto found = m_byName.find(LowerKey(name));
+  const auto found = m_byName.find(EntryNameKey(name));
   return found == m_byName.end() ? 0 : found->second;
 }
 

@@ -89,11 +89,6 @@ bool LooksLikeXml(const std::string& path) {
          head.find("<game") != std::string::npos || head.find("<machine") != std::string::npos;
 }
 
-bool EndsWithNoCase(std::string_view text, std::string_view end) {
-  if (text.size() < end.size()) return false;
-  return LowerCopy(text.substr(text.size() - end.size())) == LowerCopy(end);
-}
-
 }  // namespace
 
 DataFilePaths FindDefaultPaths(AppContext& ctx) {

@@ -6,6 +6,8 @@
 #include <string_view>
 #include <vector>
 
+#include "core/textutil.h"
+
 namespace tessarin {
 
 class AppContext;
@@ -51,13 +53,6 @@ std::string ResolveNoCase(const std::string& folder, std::string_view relativePa
 // The analysers' log line: a blank, the time, " Analysing ", the path, and when `what` is not
 // empty a line break and `what`.
 std::string AnalysingLine(std::string_view path, std::string_view what);
-
-// Small text helpers of the analysers (bytes, ASCII case only).
-char LowerAscii(char c);
-std::string LowerCopy(std::string_view text);
-// Without leading and trailing blanks (spaces only, as the data files' readers always did).
-std::string_view TrimBlanks(std::string_view text);
-bool StartsWith(std::string_view text, std::string_view prefix);
 
 // Reads a data file line by line through one growing buffer, so that lines cost no
 // allocation. Every line end the file really has counts: CR LF, LF and a lone CR each end a

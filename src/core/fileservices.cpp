@@ -9,52 +9,13 @@
 #include <random>
 #include <system_error>
 
+#include "core/textutil.h"
+
 namespace tessarin {
 
 namespace fs = std::filesystem;
 
 namespace {
-
-bool IsSeparator(char c) { return c == '/' || c == '\\'; }
-
-std::string CutFinalSeparator(std::string path) {
-  // A root ("/" or "C:\") keeps its separator: without it, it names another thing.
-  while (path.size() > 1 && IsSeparator(path.back()) && !(path.size() == 3 && path[1] == ':')) {
-    path.pop_back();
-  }
-  return path;
-}
-
-char Lower(char c) { return (c >= 'A' && c <= 'Z') ? static_cast<char>(c - 'A' + 'a') : c; }
-
-bool EqualNoCase(std::string_view a, std::string_view b) {
-  if (a.size() != b.size()) return false;
-  for (size_t i = 0; i < a.size(); ++i) {
-    if (Lower(a[i]) != Lower(b[i])) return false;
-  }
-  return true;
-}
-
-// '*' and '?' against a file name, without regard to case as the desktop's own matching does.
-bool WildcardMatch(std::string_view pattern, std::string_view name) {
-  size_t p = 0, n = 0, starP = std::string_view::npos, starN = 0;
-  while (n < name.size()) {
-    if (p < pattern.size() && (pattern[p] == '?' || Lower(pattern[p]) == Lower(name[n]))) {
-      ++p;
-      ++n;
-    } else if (p < pattern.size() && pattern[p] == '*') {
-      starP = p++;
-      starN = n;
-    } else if (starP != std::string_view::npos) {
-      p = starP + 1;
-      n = ++starN;
-    } else {
-      return false;
-    }
-  }
-  while (p < pattern.size() && pattern[p] == '*') ++p;
-  return p == pattern.size();
-}
 
 QString ToQString(const std::string& utf8) { return QString::fromUtf8(utf8.data(), utf8.size()); }
 
@@ -70,14 +31,9 @@ void CopyTree(const fs::path& from, const fs::path& to) {
 
 }  // namespace
 
-fs::path FsPath(const std::string& utf8Path) {
-  return fs::path(std::u8string(utf8Path.begin(), utf8Path.end()));
-}
+fs::path FsPath(const std::string& utf8Path) { return PathFromText(utf8Path); }
 
-std::string PathText(const fs::path& path) {
-  const std::u8string text = path.u8string();
-  return std::string(text.begin(), text.end());
-}
+std::string PathText(const fs::path& path) { return TextFromPath(path); }
 
 bool FileExists(const std::string& path) {
   if (path.empty()) return false;
@@ -93,7 +49,7 @@ bool FolderExists(const std::string& path) {
 }
 
 std::string AddSlash(std::string path) {
-  if (path.empty() || !IsSeparator(path.back())) {
+  if (path.empty() || !IsPathSeparator(path.back())) {
     path += static_cast<char>(fs::path::preferred_separator);
   }
   return path;
@@ -190,7 +146,7 @@ std::string FindFileNoCase(const std::string& folder, const std::string& name) {
   if (fs::exists(FsPath(exact), ec)) return exact;
   for (fs::directory_iterator it(FsPath(base), ec), end; !ec && it != end; it.increment(ec)) {
     const std::string candidate = PathText(it->path().filename());
-    if (EqualNoCase(candidate, name)) return base + candidate;
+    if (EqualsNoCase(candidate, name)) return base + candidate;
   }
   return exact;
 }

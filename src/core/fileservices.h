@@ -13,7 +13,8 @@ class Work;
 // Paths are UTF-8 byte strings in the platform's own form. A folder is handed around with a
 // final separator (AddSlash); routines accept both '/' and '\' at the end of a folder.
 
-// A UTF-8 path text as a file system path, and back.
+// A UTF-8 path text as a file system path, and back: PathFromText and TextFromPath of
+// core/textutil.h, with its rule for '\'.
 std::filesystem::path FsPath(const std::string& utf8Path);
 std::string PathText(const std::filesystem::path& path);
 

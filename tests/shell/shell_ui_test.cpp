@@ -995,6 +995,50 @@ TEST(Look, FrenchWindows) {
 
 // --- The real program ---
 
+TEST(Program, HelpAndVersionWriteNothing) {
+  const QString program = QStringLiteral(TESSARIN_BINARY_DIR "/src/tessarin");
+  if (!QFileInfo::exists(program)) GTEST_SKIP() << "the program is not built";
+  // Without --home the program's own folder would be the application folder.
+  const QDir programFolder = QFileInfo(program).dir();
+  const QStringList before = programFolder.entryList(QDir::AllEntries | QDir::NoDotAndDotDot);
+  for (const QString& option : {QStringLiteral("--help"), QStringLiteral("--version")}) {
+    QProcess run;
+    run.start(program, {option});
+    ASSERT_TRUE(run.waitForFinished(15000)) << option.toStdString();
+    EXPECT_EQ(run.exitStatus(), QProcess::NormalExit);
+    EXPECT_EQ(run.exitCode(), 0);
+    const QString out = QString::fromUtf8(run.readAllStandardOutput());
+    EXPECT_TRUE(out.contains(option == QStringLiteral("--help") ? QStringLiteral("--home")
+                                                                : QStringLiteral("tessarin ")))
+        << out.toStdString();
+  }
+  EXPECT_EQ(programFolder.entryList(QDir::AllEntries | QDir::NoDotAndDotDot), before);
+}
+
+TEST(Program, AFolderThatCantBeWrittenIsNamedAndGivesOne) {
+  const QString program = QStringLiteral(TESSARIN_BINARY_DIR "/src/tessarin");
+  if (!QFileInfo::exists(program)) GTEST_SKIP() << "the program is not built";
+  TempFolder folder;
+  WriteFile(folder / "a file", "x");
+  const std::string home = folder / "a file/home";
+  QProcess run;
+  QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+  env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+  run.setProcessEnvironment(env);
+  run.setReadChannel(QProcess::StandardError);
+  run.start(program, {QStringLiteral("--home"), ToQt(home)});
+  ASSERT_TRUE(run.waitForStarted());
+  // The message box waits for the user; its text is on standard error already.
+  ASSERT_TRUE(
+      WaitFor([&] { return run.bytesAvailable() > 0 || run.state() != QProcess::Running; }, 15000));
+  QTest::qWait(200);
+  const QString err = QString::fromUtf8(run.readAllStandardError());
+  EXPECT_TRUE(err.contains(QStringLiteral("can't be written"))) << err.toStdString();
+  EXPECT_TRUE(err.contains(ToQt(home))) << err.toStdString();
+  run.kill();
+  run.waitForFinished(5000);
+}
+
 TEST(Program, SecondInstanceEndsSilentlyAndTouchesNothing) {
   const QString program = QStringLiteral(TESSARIN_BINARY_DIR "/src/tessarin");
   if (!QFileInfo::exists(program)) GTEST_SKIP() << "the program is not built";
