@@ -31,6 +31,11 @@ QuietInterface& Quiet() {
 
 }  // namespace
 
+void RemoveStaleTempFilesOfRun(const std::string& appFolder) {
+  RemoveStaleTempFiles(appFolder, kStaleTempAge);
+  RemoveStaleTempFiles(AddSlash(appFolder) + "DataFiles", kStaleTempAge);
+}
+
 bool FolderIsWritable(const std::string& folder) {
   if (!FolderExists(folder)) return false;
   const std::string probe = AddSlash(folder) + ".tessarin-write-test";

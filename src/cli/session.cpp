@@ -115,6 +115,7 @@ AppContext& CliSession::Ctx() {
   if (!FolderIsWritable(folder)) {
     throw Failure(75, "The application folder can't be written: " + folder);
   }
+  RemoveStaleTempFilesOfRun(folder);
   m_ctx = std::make_unique<AppContext>(folder);
   AppContext& ctx = *m_ctx;
   ctx.SetUi(m_ui.get());

@@ -2,12 +2,19 @@
 
 #include <QFile>
 #include <QProcess>
-#include <QSaveFile>
 #include <QString>
 #include <algorithm>
 #include <fstream>
 #include <random>
 #include <system_error>
+
+#ifdef _WIN32
+#include <fcntl.h>
+#include <io.h>
+#else
+#include <fcntl.h>
+#include <unistd.h>
+#endif
 
 #include "core/textutil.h"
 
@@ -151,15 +158,70 @@ std::string FindFileNoCase(const std::string& folder, const std::string& name) {
   return exact;
 }
 
+std::string TempNameBeside(const std::string& path) {
+  static std::atomic<unsigned> counter{0};
+  thread_local std::mt19937 random(std::random_device{}());
+  static constexpr char kDigits[] = "abcdefghijklmnopqrstuvwxyz0123456789";
+  std::string tag;
+  for (int i = 0; i < 6; ++i) tag += kDigits[random() % (sizeof kDigits - 1)];
+  return CutFinalSeparator(path) + "." + tag + std::to_string(counter++) + std::string(kTempMark);
+}
+
+bool SyncFileToDisk(const std::string& path) {
+#ifdef _WIN32
+  const int fd = _open(path.c_str(), _O_RDWR | _O_BINARY);
+  if (fd < 0) return false;
+  const bool synced = _commit(fd) == 0;
+  _close(fd);
+#else
+  const int fd = ::open(FsPath(path).c_str(), O_RDONLY | O_CLOEXEC);
+  if (fd < 0) return false;
+  const bool synced = ::fsync(fd) == 0;
+  ::close(fd);
+#endif
+  return synced;
+}
+
 bool WriteFileAtomically(const std::string& path, std::string_view content) {
-  QSaveFile file(ToQString(path));
-  if (!file.open(QIODevice::WriteOnly)) return false;
-  if (file.write(content.data(), static_cast<qint64>(content.size())) !=
-      static_cast<qint64>(content.size())) {
-    file.cancelWriting();
+  const std::string temp = TempNameBeside(path);
+  {
+    std::ofstream out(FsPath(temp), std::ios::binary | std::ios::trunc);
+    if (!out) return false;
+    out.write(content.data(), static_cast<std::streamsize>(content.size()));
+    out.close();
+    if (out.fail()) {
+      KillQuiet(temp);
+      return false;
+    }
+  }
+  // Synced before the rename, so that after a power cut the name never leads to a short file.
+  std::error_code ec;
+  if (!SyncFileToDisk(temp)) {
+    KillQuiet(temp);
     return false;
   }
-  return file.commit();
+  fs::rename(FsPath(temp), FsPath(path), ec);
+  if (ec) {
+    KillQuiet(temp);
+    return false;
+  }
+  return true;
+}
+
+int RemoveStaleTempFiles(const std::string& folder, std::chrono::seconds minimumAge) {
+  int removed = 0;
+  std::error_code ec;
+  const auto now = fs::file_time_type::clock::now();
+  for (fs::directory_iterator it(FsPath(folder), ec), end; !ec && it != end; it.increment(ec)) {
+    const std::string name = PathText(it->path().filename());
+    if (name.size() <= kTempMark.size() || !name.ends_with(kTempMark)) continue;
+    std::error_code itemError;
+    if (!it->is_regular_file(itemError)) continue;
+    const auto written = fs::last_write_time(it->path(), itemError);
+    if (itemError || now - written < minimumAge) continue;
+    if (fs::remove(it->path(), itemError)) ++removed;
+  }
+  return removed;
 }
 
 bool ReadWholeFile(const std::string& path, std::string& content) {

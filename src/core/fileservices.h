@@ -1,6 +1,7 @@
 #pragma once
 
 #include <atomic>
+#include <chrono>
 #include <filesystem>
 #include <string>
 #include <string_view>
@@ -47,9 +48,20 @@ std::string GetTempFolderPath();
 // when there is none, so the result can be created.
 std::string FindFileNoCase(const std::string& folder, const std::string& name);
 
-// Replaces `path` by `content` atomically: a crash leaves the old file or the new one, never a
-// short one. False when it can't be written.
+// Replaces `path` by `content` atomically: the content goes to a temporary file beside it,
+// which is synced to the disk and then renamed over `path`. A crash leaves the old file or the
+// new one, never a short one. False when it can't be written (nothing is left behind then).
 bool WriteFileAtomically(const std::string& path, std::string_view content);
+
+// The name of a temporary file of ours beside `path` (unique per call), which a rename puts in
+// place once it is whole; such names end in kTempMark.
+inline constexpr std::string_view kTempMark = ".tessarin-tmp";
+std::string TempNameBeside(const std::string& path);
+// Writes the file's data to the disk before it is renamed into place. False when it can't.
+bool SyncFileToDisk(const std::string& path);
+// Deletes the temporary files of ours in `folder` (not below it) that nobody has written to for
+// `minimumAge`: what a run killed between writing and renaming left behind. Gives how many.
+int RemoveStaleTempFiles(const std::string& folder, std::chrono::seconds minimumAge);
 // The whole file, or false when it can't be read.
 bool ReadWholeFile(const std::string& path, std::string& content);
 
