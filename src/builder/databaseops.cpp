@@ -66,16 +66,27 @@ bool HasContent(const std::string& path) { return FileExists(path) && FileLength
 
 std::string EmulatorOfSettings(const AppContext& ctx) { return ctx.settings.InfRead("DataFile1"); }
 
-// Runs the emulator with one option into `target`; the old file goes first, so that a run that
-// prints nothing can't leave an earlier list behind.
-// A cancel of the job ends the emulator at once.
+// Runs the emulator with one option into `target`. The output goes to a temporary name and
+// replaces `target` once the run has ended, so that a run killed half-way leaves the old file
+// (which the old index points into) whole. A run that prints nothing leaves an empty file, so
+// that an earlier list can't stand in for its output; a cancel (which ends the emulator at
+// once) keeps the old file.
 void RunEmulator(const AppContext& ctx, const std::string& option, const std::string& target,
                  Work* work) {
-  KillQuiet(target);
+  const std::string temp = TempNameBeside(target);
   RunOptions options;
-  options.standardOutputFile = target;
+  options.standardOutputFile = temp;
   if (work) options.cancel = &work->CancelRequested;
   RunAndWait(EmulatorOfSettings(ctx), {option}, options);
+  if (work && work->CancelRequested) {
+    KillQuiet(temp);
+    return;
+  }
+  SyncFileToDisk(temp);
+  if (!RenameFile(temp, target)) {
+    KillQuiet(temp);
+    KillQuiet(target);
+  }
 }
 
 // Whether the start of a dump is the XML list rather than the legacy one.
@@ -90,6 +101,32 @@ bool LooksLikeXml(const std::string& path) {
 }
 
 }  // namespace
+
+std::string DumpFileProblem(const std::string& path) {
+  if (FolderExists(path)) return "is a folder, not a game list";
+  if (!FileExists(path)) return "doesn't exist";
+  std::ifstream file(FsPath(path), std::ios::binary);
+  if (!file) return "can't be read";
+  std::string head(65536, '\0');
+  file.read(head.data(), static_cast<std::streamsize>(head.size()));
+  head.resize(static_cast<size_t>(file.gcount()));
+  if (head.empty()) return "is empty";
+  // Text lists hold no NUL byte; a program or an archive does at once.
+  if (head.find('\0') != std::string::npos) {
+    return "is a binary file (a program or an archive?), not the emulator's game list";
+  }
+  const bool xml =
+      head.find("<?xml") != std::string::npos || head.find("<mame") != std::string::npos ||
+      head.find("<game ") != std::string::npos || head.find("<machine ") != std::string::npos;
+  const bool legacy = StartsWith(head, "game (") || head.find("\ngame (") != std::string::npos ||
+                      head.find("\nmachine (") != std::string::npos ||
+                      StartsWith(head, "machine (") ||
+                      head.find("\nresource (") != std::string::npos;
+  if (!xml && !legacy) {
+    return "holds no game list: it isn't the output of the emulator's -listxml or -listinfo";
+  }
+  return {};
+}
 
 DataFilePaths FindDefaultPaths(AppContext& ctx) {
   DataFilePaths paths;
@@ -259,32 +296,43 @@ bool CreateDatabase(AppContext& ctx, Work& work, const std::string& dumpFile, bo
   if (!dumpFile.empty()) {
     // A list printed earlier stands in for the emulator's run; it goes to the dump's place,
     // and the other dump goes, so that the build reads this list only.
-    if (!HasContent(dumpFile)) {
-      ui.ShowMessage(false, msg.Lng(332), {}, Icon::Information);
+    // Checked before anything is copied or deleted: a wrong file costs nothing.
+    const std::string problem = DumpFileProblem(dumpFile);
+    if (!problem.empty()) {
+      ui.ShowMessage(false, dumpFile + "|" + problem, msg.Lng(29), Icon::Stop);
       return false;
     }
     const bool xml = LooksLikeXml(dumpFile);
     dump = xml ? xmlDump : legacyDump;
-    KillQuiet(xml ? legacyDump : xmlDump);
     std::error_code error;
     const fs::path from = FsPath(dumpFile), to = FsPath(dump);
     // Only the dump's own path given is left as it is.
     if (fs::weakly_canonical(from, error) != fs::weakly_canonical(to, error)) {
       // A copy, so that the database keeps its list whatever becomes of the original; or,
-      // when asked, a second name for the same file, which costs no writing.
+      // when asked, a second name for the same file, which costs no writing. Either goes to a
+      // temporary name first and is renamed into place once whole: until then the old dump,
+      // which the old index points into, stays.
+      const std::string temp = TempNameBeside(dump);
+      const fs::path tempPath = FsPath(temp);
       error.clear();
-      fs::remove(to, error);
-      error.clear();
-      if (linkDump) fs::create_hard_link(from, to, error);
-      if (!linkDump || error) {
-        error.clear();
-        fs::copy_file(from, to, fs::copy_options::overwrite_existing, error);
+      bool linked = false;
+      if (linkDump) {
+        fs::create_hard_link(from, tempPath, error);
+        linked = !error;
       }
+      if (!linked) {
+        error.clear();
+        fs::copy_file(from, tempPath, fs::copy_options::overwrite_existing, error);
+        if (!error && !SyncFileToDisk(temp)) error = std::make_error_code(std::errc::io_error);
+      }
+      if (!error) fs::rename(tempPath, to, error);
       if (error) {
+        KillQuiet(temp);
         ui.ShowMessage(false, dump + "|" + error.message(), msg.Lng(29), Icon::Stop);
         return false;
       }
     }
+    KillQuiet(xml ? legacyDump : xmlDump);
     work.SetStatus(msg.Lng(xml ? 60 : 61));
   } else {
     work.SetStatus(msg.Lng(59));

@@ -53,6 +53,10 @@ bool RunListInfo(AppContext& ctx, Work& work, const std::string& path);
 bool CreateDatabase(AppContext& ctx, Work& work, const std::string& dumpFile = {},
                     bool linkDump = false);
 
+// Why `path` can't be a game list of the emulator ("is a binary file...", "is empty"...), told
+// after its path; the empty text when it may be one.
+std::string DumpFileProblem(const std::string& path);
+
 // Runs the analysers over the records in memory (loading the index first when needed), with
 // their fields reset. Gives true after a full run; the caller saves the index.
 bool UpdateFromFiles(AppContext& ctx, Work& work);

@@ -234,10 +234,14 @@ TEST_F(Cli, InterruptWhileTheEmulatorRunsEndsItAtOnce) {
   }
   process.start(QStringLiteral(TESSARIN_CLI_PATH), args);
   ASSERT_TRUE(process.waitForStarted(30000));
-  // The list has begun (and hangs) once the dump exists.
-  const std::string dump = Home() + "/DataFiles/listxml";
-  for (int i = 0; i < 200 && !std::filesystem::exists(dump); ++i) QThread::msleep(50);
-  ASSERT_TRUE(std::filesystem::exists(dump));
+  // The list has begun (and hangs) once its temporary file exists.
+  const std::string data = Home() + "/DataFiles";
+  const auto started = [&] {
+    std::error_code ec;
+    return std::filesystem::exists(data, ec) && !std::filesystem::is_empty(data, ec);
+  };
+  for (int i = 0; i < 200 && !started(); ++i) QThread::msleep(50);
+  ASSERT_TRUE(started());
   QThread::msleep(200);
   const auto start = std::chrono::steady_clock::now();
   ::kill(static_cast<pid_t>(process.processId()), SIGINT);
@@ -246,6 +250,36 @@ TEST_F(Cli, InterruptWhileTheEmulatorRunsEndsItAtOnce) {
   EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
   EXPECT_EQ(process.exitCode(), 1);
   EXPECT_FALSE(std::filesystem::exists(IndexFilePath(Home())));
+  // Nothing half-written is left: no dump, no temporary file.
+  EXPECT_TRUE(std::filesystem::is_empty(data));
+}
+
+TEST_F(Cli, BuildFromAFileThatIsNoListSaysWhyAndLeavesNothing) {
+  Build();
+  const std::string index = ReadBytes(IndexFilePath(Home()));
+  const std::string dump = ReadBytes(Home() + "/DataFiles/listxml");
+  const std::string text = Home() + "/notes.txt";
+  WriteBytes(text, "Some notes of mine\nand nothing else\n");
+  const std::string binary = Home() + "/program";
+  WriteBytes(binary, std::string("\x7f"
+                                 "ELF\0\0\0<mame build>",
+                                 16) +
+                         std::string(4096, 'x'));
+  for (const std::string& file : {text, binary}) {
+    const CliResult built = RunCli(With({"--yes", "build", "--dump", file}));
+    EXPECT_EQ(built.exitCode, 1) << file;
+    const std::string said = built.out + built.err;
+    EXPECT_NE(said.find(file), std::string::npos) << said;
+    EXPECT_NE(said.find(file == binary ? "binary file" : "holds no game list"), std::string::npos)
+        << said;
+    EXPECT_EQ(said.find("gave nothing"), std::string::npos) << said;
+    // The database and its dump are as they were, and nothing was added beside them.
+    EXPECT_EQ(ReadBytes(IndexFilePath(Home())), index);
+    EXPECT_EQ(ReadBytes(Home() + "/DataFiles/listxml"), dump);
+    EXPECT_FALSE(std::filesystem::exists(Home() + "/DataFiles/listinfo"));
+  }
+  // A folder is refused before anything starts.
+  EXPECT_EQ(RunCli(With({"--yes", "build", "--dump", Home()})).exitCode, 2);
 }
 
 TEST_F(Cli, ScanRomsMarksTheGamesFound) {
