@@ -10,9 +10,9 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include "app/context.h"
 #include "archive/ziptools.h"
 #include "archive/zipworkerinstall.h"
-#include "app/context.h"
 #include "widgets/windowhelpersui.h"
 #include "widgets/workingdialog.h"
 

@@ -6,8 +6,8 @@
 #include <filesystem>
 #include <fstream>
 
-#include "builder/tablelookup.h"
 #include "app/context.h"
+#include "builder/tablelookup.h"
 #include "core/fileservices.h"
 #include "core/guard.h"
 #include "core/log.h"

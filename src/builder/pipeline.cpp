@@ -3,11 +3,11 @@
 #include <QDateTime>
 #include <QString>
 
+#include "app/context.h"
 #include "builder/datanalysers.h"
 #include "builder/inianalysers.h"
 #include "builder/listinfo.h"
 #include "builder/listxml.h"
-#include "app/context.h"
 #include "core/fileservices.h"
 #include "core/guard.h"
 #include "core/log.h"

@@ -12,8 +12,8 @@
 #include <QPushButton>
 #include <memory>
 
-#include "archive/zipworkerinstall.h"
 #include "app/context.h"
+#include "archive/zipworkerinstall.h"
 #include "core/userinterface.h"
 #include "ziptestutil.h"
 

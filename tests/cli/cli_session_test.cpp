@@ -54,9 +54,8 @@ class CliSessionTest : public ::testing::Test {
 };
 
 void AddThrowing(CliRegistry& registry) {
-  registry.Add("boom", "Throws", [](CliSession&) -> int {
-    throw std::runtime_error("a fault in the command");
-  });
+  registry.Add("boom", "Throws",
+               [](CliSession&) -> int { throw std::runtime_error("a fault in the command"); });
 }
 
 TEST_F(CliSessionTest, AnExceptionOutOfACommandIsLoggedToldAndGivesOne) {
@@ -112,8 +111,8 @@ TEST_F(CliSessionDeathTest, TheSixthFailureEndsTheRunOnTheMainThread) {
       return kExitOk;
     });
   };
-  EXPECT_EXIT(RunUncaptured({"--home", Home(), "six"}, commands), ::testing::ExitedWithCode(kExitFailed),
-              "stopped after too many errors");
+  EXPECT_EXIT(RunUncaptured({"--home", Home(), "six"}, commands),
+              ::testing::ExitedWithCode(kExitFailed), "stopped after too many errors");
   // The job was asked to stop through its cancel flag, and ran on to its end.
   EXPECT_EQ(ReadAll(marker), "1");
   EXPECT_NE(ReadAll(Home() + "/Tessarin.log.txt").find("5 BUG ERRORS => Sorry, Tessarin Stopped."),
