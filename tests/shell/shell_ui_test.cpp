@@ -329,6 +329,32 @@ TEST(DesktopStart, HelpAndThanksMenusOpenTheirPages) {
   EXPECT_NE(run.StoredKey("MDILeft"), "-1");
 }
 
+TEST(DesktopStart, AFrameDestroyedWithADialogOpenDoesntBringThePanelBack) {
+  DesktopRun run;
+  WriteFile(run.Path("Tessarin.inf"), "Language=1\r\nMDIState=0\r\n");
+  run.Start();
+  run.frame->RegisterPanelDialog(1, [](MainFrame& frame) {
+    auto* dialog = new QDialog(&frame);
+    dialog->setObjectName(QStringLiteral("Form3"));
+    return dialog;
+  });
+  QTest::mouseClick(Child<QLabel>(run.frame->Panel(), "Title_1"), Qt::LeftButton);
+  QPointer<QDialog> dialog;
+  ASSERT_TRUE(WaitFor([&] {
+    dialog = run.frame->findChild<QDialog*>(QStringLiteral("Form3"));
+    return dialog != nullptr;
+  }));
+  ASSERT_EQ(run.frame->Panel(), nullptr);
+  // The frame goes without a close (as at the end of a run that is being torn down): its
+  // dialog goes with it, and its "destroyed" signal reaches no part of the gone frame: no
+  // panel is made again for it.
+  run.frame.reset();
+  EXPECT_TRUE(dialog.isNull());
+  for (QWidget* top : QApplication::allWidgets()) {
+    EXPECT_EQ(qobject_cast<MainPanel*>(top), nullptr);
+  }
+}
+
 TEST(DesktopStart, RegisteredDialogEnablesItsEntryAndBringsThePanelBack) {
   DesktopRun run;
   WriteFile(run.Path("Tessarin.inf"), "Language=1\r\nMDIState=0\r\n");
