@@ -254,6 +254,24 @@ TEST_F(Cli, InterruptWhileTheEmulatorRunsEndsItAtOnce) {
   EXPECT_TRUE(std::filesystem::is_empty(data));
 }
 
+TEST_F(Cli, ACutListIsToldAndAsksBeforeReplacingALargerDatabase) {
+  Build();
+  const std::string index = ReadBytes(IndexFilePath(Home()));
+  const std::string whole = ReadBytes(BuilderFixture("dumps/machine_lf.xml"));
+  const std::string cut = Home() + "/cut.xml";
+  size_t at = 0;
+  for (int i = 0; i < 3; ++i) at = whole.find("<machine", at + 1);
+  WriteBytes(cut, whole.substr(0, at + 40));
+  // The rebuild's own question is answered on the terminal, so none can be: no --yes, no.
+  const CliResult refused = RunCli(With({"build", "--dump", cut}));
+  EXPECT_EQ(refused.exitCode, 1);
+  EXPECT_EQ(ReadBytes(IndexFilePath(Home())), index);
+  const CliResult asked = RunCli(With({"--yes", "build", "--dump", cut}));
+  EXPECT_NE((asked.out + asked.err).find("cut short"), std::string::npos) << asked.out << asked.err;
+  EXPECT_NE(asked.err.find("games; the cut list gives"), std::string::npos) << asked.err;
+  EXPECT_EQ(asked.exitCode, 0) << asked.err;
+}
+
 TEST_F(Cli, BuildFromAFileThatIsNoListSaysWhyAndLeavesNothing) {
   Build();
   const std::string index = ReadBytes(IndexFilePath(Home()));
