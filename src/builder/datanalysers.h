@@ -67,7 +67,6 @@ class DataLineReader final {
   // False when the file can't be opened.
   bool Open(const std::string& path);
   void Close();
-  bool IsOpen() const { return m_file.is_open(); }
   // The file's length in bytes, from Open.
   std::int64_t FileLength() const { return m_fileLength; }
 
