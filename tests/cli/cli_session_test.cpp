@@ -85,10 +85,16 @@ TEST_F(CliSessionTest, AFolderThatCantBeWrittenIsNamedAndGivesOne) {
   const std::string file = Home() + "/a file";
   std::ofstream(file) << "x";
   const std::string home = file + "/home";
-  const Outcome outcome = Run({"--home", home, "set", "RomPath", "/roms"});
-  EXPECT_EQ(outcome.code, kExitFailed);
-  EXPECT_NE(outcome.err.find("can't be written"), std::string::npos) << outcome.err;
-  EXPECT_NE(outcome.err.find(home), std::string::npos) << outcome.err;
+  for (const char* command : {"set", "build"}) {
+    const std::vector<std::string> args =
+        std::string(command) == "set"
+            ? std::vector<std::string>{"--home", home, "set", "RomPath", "/r"}
+            : std::vector<std::string>{"--home", home, "build"};
+    const Outcome outcome = Run(args);
+    EXPECT_EQ(outcome.code, kExitFailed) << command;
+    EXPECT_NE(outcome.err.find("can't be written"), std::string::npos) << outcome.err;
+    EXPECT_NE(outcome.err.find(home), std::string::npos) << outcome.err;
+  }
 }
 
 using CliSessionDeathTest = CliSessionTest;
