@@ -47,16 +47,16 @@ function(tessarin_add_test name)
   target_compile_definitions(${name} PRIVATE
     TESSARIN_TEST_DATA="${PROJECT_SOURCE_DIR}/tests/data"
     TESSARIN_BINARY_DIR="${PROJECT_BINARY_DIR}")
-  set(env "")
-  set(label logic)
+  # An empty ENVIRONMENT value would drop out of the property list and shift every pair behind
+  # it, so it is given only when there is one.
+  set(properties TIMEOUT 300 LABELS logic)
   if(ARG_UI)
-    set(env "QT_QPA_PLATFORM=offscreen")
-    set(label ui)
+    set(properties ENVIRONMENT "QT_QPA_PLATFORM=offscreen" TIMEOUT 300 LABELS ui)
   endif()
   gtest_discover_tests(${name}
     DISCOVERY_MODE PRE_TEST
     DISCOVERY_TIMEOUT 60
-    PROPERTIES ENVIRONMENT "${env}" TIMEOUT 300 LABELS ${label}
+    PROPERTIES ${properties}
       # A GTEST_SKIP shows as skipped in CTest's summary, not as passed.
       SKIP_REGULAR_EXPRESSION "\\[  SKIPPED \\]")
 endfunction()
