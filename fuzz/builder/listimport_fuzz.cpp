@@ -11,9 +11,9 @@
 #include <fstream>
 #include <string>
 
+#include "app/context.h"
 #include "builder/listinfo.h"
 #include "builder/listxml.h"
-#include "app/context.h"
 #include "core/work.h"
 #include "scratchfolder.h"
 #include "store/gamerecord.h"

@@ -29,6 +29,13 @@ QuietInterface& Quiet() {
   return quiet;
 }
 
+}  // namespace
+
+void RemoveStaleTempFilesOfRun(const std::string& appFolder) {
+  RemoveStaleTempFiles(appFolder, kStaleTempAge);
+  RemoveStaleTempFiles(AddSlash(appFolder) + "DataFiles", kStaleTempAge);
+}
+
 bool FolderIsWritable(const std::string& folder) {
   if (!FolderExists(folder)) return false;
   const std::string probe = AddSlash(folder) + ".tessarin-write-test";
@@ -36,8 +43,6 @@ bool FolderIsWritable(const std::string& folder) {
   KillQuiet(probe);
   return true;
 }
-
-}  // namespace
 
 AppContext::AppContext(const std::string& appFolder)
     : log(AddSlash(appFolder)),

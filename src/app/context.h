@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <memory>
 #include <string>
 
@@ -40,6 +41,16 @@ class AppContext final {
   std::string m_appFolder;
   UserInterface* m_ui;
 };
+
+// How long a temporary file of ours must have lain untouched before a start deletes it: a
+// writer still at work (another instance, the command line) touches its file all the time.
+inline constexpr std::chrono::seconds kStaleTempAge{600};
+// Deletes what a killed run left of its temporary files in the application folder and in
+// DataFiles (see RemoveStaleTempFiles). Called once at the start of a run.
+void RemoveStaleTempFilesOfRun(const std::string& appFolder);
+
+// True when a file can be made in `folder` (which must exist).
+bool FolderIsWritable(const std::string& folder);
 
 // The application folder: `homeArgument` when given, else the executable's folder when it can
 // be written to (a portable install), else the user's data folder. With a final separator.

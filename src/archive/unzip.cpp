@@ -2,28 +2,12 @@
 
 #include <cstdio>
 
+#include "archive/zippath.h"
 #include "core/guard.h"
 #include "core/log.h"
 #include "core/work.h"
 
 namespace tessarin {
-
-namespace {
-
-std::string Lower(std::string text) {
-  for (char& c : text) {
-    if (c == '/') c = '\\';
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-  }
-  return text;
-}
-
-std::string WithoutFinalSeparator(std::string path) {
-  if (!path.empty() && (path.back() == '\\' || path.back() == '/')) path.pop_back();
-  return path;
-}
-
-}  // namespace
 
 UnzipSession::UnzipSession(const UnzipEnvironment& environment, bool hidden)
     : m_environment(environment), m_hidden(hidden) {
@@ -95,11 +79,11 @@ bool zLib_ExtraireUnFichier(UnzipSession& session) {
 int zLib_ExtraireExtension(UnzipSession& session) {
   if (!session.OpenIfNeeded()) return -1;
   ZipExtractionClass& zip = session.Zip();
-  const std::string ending = Lower(session.Wanted);
+  const std::string ending = EntryNameKey(session.Wanted);
   int matched = 0;
   int extracted = 0;
   for (int i = 1; i <= zip.FileCount(); ++i) {
-    const std::string name = Lower(zip.filename(i));
+    const std::string name = EntryNameKey(zip.filename(i));
     if (name.size() < ending.size() ||
         name.compare(name.size() - ending.size(), ending.size(), ending) != 0) {
       continue;
@@ -142,9 +126,16 @@ auto RunFront(const UnzipEnvironment& environment, int trackPoint, Operation&& o
   if (environment.log) {
     RunGuarded(*environment.log, trackPoint, [&] { result = operation(); });
   } else {
+    // Without a log the failure goes where the caller looks for the unzip's errors, so that
+    // it is never lost.
     try {
       result = operation();
     } catch (...) {
+      const FailureInfo failure = DescribeCurrentException();
+      if (environment.unzipError) {
+        *environment.unzipError =
+            "Erreur " + std::to_string(failure.number) + " - " + failure.description;
+      }
       result = false;
     }
   }
@@ -158,8 +149,7 @@ bool UnzipAll(const UnzipEnvironment& environment, const std::string& zipPath,
   return RunFront(environment, 7101, [&] {
     UnzipSession session(environment, hidden);
     session.ZipPath = zipPath;
-    session.DestFolder =
-        WithoutFinalSeparator(destFolder.empty() ? environment.appFolder : destFolder);
+    session.DestFolder = CutFinalSeparator(destFolder.empty() ? environment.appFolder : destFolder);
     return zLib_ExtraireTout(session);
   });
 }
@@ -170,8 +160,7 @@ bool UnzipOne(const UnzipEnvironment& environment, const std::string& zipPath,
     UnzipSession session(environment, hidden);
     session.ZipPath = zipPath;
     session.Wanted = entryName;
-    session.DestFolder =
-        WithoutFinalSeparator(destFolder.empty() ? environment.appFolder : destFolder);
+    session.DestFolder = CutFinalSeparator(destFolder.empty() ? environment.appFolder : destFolder);
     return zLib_ExtraireUnFichier(session);
   });
 }

@@ -2,20 +2,12 @@
 
 namespace tessarin {
 
-std::filesystem::path PathFromText(std::string_view text) {
-  std::u8string utf8(text.begin(), text.end());
-#ifndef _WIN32
-  // Paths of the settings and of zip entries may come with '\' between folders.
-  for (char8_t& c : utf8) {
-    if (c == u8'\\') c = u8'/';
+std::string EntryNameKey(std::string_view name) {
+  std::string key = LowerCopy(name);
+  for (char& c : key) {
+    if (c == '/') c = '\\';
   }
-#endif
-  return std::filesystem::path(utf8);
-}
-
-std::string TextFromPath(const std::filesystem::path& path) {
-  const std::u8string utf8 = path.u8string();
-  return std::string(utf8.begin(), utf8.end());
+  return key;
 }
 
 std::optional<std::vector<std::string>> SafeEntryParts(std::string_view entryName) {

@@ -6,12 +6,14 @@
 #include <string_view>
 #include <vector>
 
+#include "core/textutil.h"
+
 namespace tessarin {
 
-// A path given as UTF-8 text, '\' or '/' between folders, in the platform's own form.
-std::filesystem::path PathFromText(std::string_view text);
-// A platform path back as UTF-8 text.
-std::string TextFromPath(const std::filesystem::path& path);
+// PathFromText and TextFromPath (paths given as UTF-8 text) are in core/textutil.h.
+
+// The key under which a zip entry is looked up: ASCII letters in lower case, '/' as '\'.
+std::string EntryNameKey(std::string_view name);
 
 // The folders and file name under which a zip entry may be written below a destination folder:
 // every ':' becomes '_', empty and "." parts are dropped. Nothing (std::nullopt) when the name

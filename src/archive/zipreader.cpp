@@ -43,15 +43,6 @@ std::uint64_t Read64(const char* p) {
   return static_cast<std::uint64_t>(Read32(p)) | (static_cast<std::uint64_t>(Read32(p + 4)) << 32);
 }
 
-std::string LowerKey(std::string_view name) {
-  std::string key(name);
-  for (char& c : key) {
-    if (c == '/') c = '\\';
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-  }
-  return key;
-}
-
 }  // namespace
 
 std::string ZipDateTime::ToText() const {
@@ -99,6 +90,10 @@ std::string ZipErrorText(int code, std::string_view name) {
       return "Ne peut pas supprimer le fichier " + n;
     case kZipCannotMakeFolder:
       return "Impossible de créer le répertoire " + n;
+    case kZipOverlapping:
+      return "Le fichier " + n + " a des entrées qui se recouvrent (refusé)";
+    case kZipNoSpace:
+      return "Pas assez de place pour extraire dans " + n;
     default:
       return "Erreur " + std::to_string(code) + " " + n;
   }
@@ -186,7 +181,36 @@ bool ZipExtractionClass::ZipOpen(const std::string& path) {
     return true;
   }
   ReadCentralDirectory(cdOffset, cdSize, entryCount);
+  // Entries whose data overlap let a small archive write the same bytes over and over (20,000
+  // entries on one local header declare terabytes): such an archive is refused whole.
+  if (EntriesOverlap()) {
+    m_file.close();
+    m_entries.assign(1, ZipEntry{});
+    m_byName.clear();
+    RaiseError(kZipOverlapping, path);
+    m_path.clear();
+    m_fileSize = 0;
+    m_endRecordPosition = 0;
+    return false;
+  }
   return true;
+}
+
+bool ZipExtractionClass::EntriesOverlap() const {
+  std::vector<std::pair<std::uint64_t, std::uint64_t>> spans;  // [start, end) of each entry
+  spans.reserve(m_entries.size());
+  for (std::size_t i = 1; i < m_entries.size(); ++i) {
+    const ZipEntry& e = m_entries[i];
+    // The local header is at least 30 bytes and the name, then the data: a lower bound of the
+    // entry's real end, so an honest archive never looks overlapping.
+    spans.emplace_back(e.localHeaderOffset,
+                       e.localHeaderOffset + 30 + e.filename.size() + e.compressedSize);
+  }
+  std::sort(spans.begin(), spans.end());
+  for (std::size_t i = 1; i < spans.size(); ++i) {
+    if (spans[i].first < spans[i - 1].second) return true;
+  }
+  return false;
 }
 
 // Walks back from the end of the file for the end record. The last record in the file that is
@@ -312,7 +336,7 @@ bool ZipExtractionClass::ReadCentralDirectory(std::uint64_t cdOffset, std::uint6
     // Folders and empty files have nothing to write: they stay out of the table.
     if (entry.uncompressedSize == 0) continue;
     std::replace(entry.filename.begin(), entry.filename.end(), '/', '\\');
-    m_byName.emplace(LowerKey(entry.filename), static_cast<int>(m_entries.size()));
+    m_byName.emplace(EntryNameKey(entry.filename), static_cast<int>(m_entries.size()));
     m_entries.push_back(std::move(entry));
   }
   return true;
@@ -342,7 +366,7 @@ const ZipEntry& ZipExtractionClass::Entry(int entry) const {
 }
 
 int ZipExtractionClass::FindEntry(std::string_view name) const {
-  const auto found = m_byName.find(LowerKey(name));
+  const auto found = m_byName.find(EntryNameKey(name));
   return found == m_byName.end() ? 0 : found->second;
 }
 
@@ -511,6 +535,30 @@ bool ZipExtractionClass::RunExtraction(int onlyEntry, const std::string& destFol
   }
 
   const int count = FileCount();
+  // What the entries will take must fit the free space of the destination: a bomb is stopped
+  // before it has filled the disk, with the reason told.
+  std::uint64_t needed = 0;
+  for (int number = 1; number <= count; ++number) {
+    if (onlyEntry == 0 || number == onlyEntry) {
+      needed += m_entries[static_cast<std::size_t>(number)].uncompressedSize;
+    }
+  }
+  std::uint64_t available = UINT64_MAX;
+  if (FreeSpace) {
+    available = FreeSpace(destination);
+  } else {
+    const fs::space_info space = fs::space(destination, ec);
+    if (!ec) available = space.available;
+  }
+  if (needed > available) {
+    RaiseError(kZipNoSpace, destFolder + " (" + std::to_string(needed) + " octets > " +
+                                std::to_string(available) + ")");
+    if (LogLine) {
+      LogLine("Zip not extracted, its " + std::to_string(needed) + " bytes don't fit the " +
+              std::to_string(available) + " bytes free in " + destFolder + ": " + m_path);
+    }
+    return false;
+  }
   for (int number = 1; number <= count; ++number) {
     if (onlyEntry == 0 || number == onlyEntry) {
       const ZipEntry& entry = m_entries[static_cast<std::size_t>(number)];
@@ -525,9 +573,15 @@ bool ZipExtractionClass::RunExtraction(int onlyEntry, const std::string& destFol
         fs::path target = destination;
         bool folderFailed = false;
         std::string shown;
+        bool throughLink = false;
         if (keepFolders) {
           for (std::size_t i = 0; i + 1 < parts->size(); ++i) {
             target /= PathFromText((*parts)[i]);
+            // A link already inside the destination could lead the entry out of it.
+            if (fs::is_symlink(fs::symlink_status(target, ec))) {
+              throughLink = true;
+              break;
+            }
             if (!fs::is_directory(target, ec)) {
               fs::create_directory(target, ec);
               if (!fs::is_directory(target, ec)) {
@@ -542,12 +596,19 @@ bool ZipExtractionClass::RunExtraction(int onlyEntry, const std::string& destFol
           RaiseError(kZipCannotMakeFolder, TextFromPath(target));
           return false;
         }
+        if (throughLink) {
+          RaiseError(kZipUnsafeName, entry.filename);
+          if (LogLine) {
+            LogLine("Zip entry refused, a link on its way leads out of the destination folder: " +
+                    entry.filename + " in " + m_path);
+          }
+        }
         target /= PathFromText(parts->back());
         shown += parts->back();
         RaiseStatus(shown + "Extraction ...\\");
 
-        bool go = true;
-        if (fs::exists(fs::symlink_status(target, ec))) {
+        bool go = !throughLink;
+        if (go && fs::exists(fs::symlink_status(target, ec))) {
           if (!overwrite) {
             RaiseError(kZipFileExists, TextFromPath(target));
             go = false;
@@ -562,7 +623,11 @@ bool ZipExtractionClass::RunExtraction(int onlyEntry, const std::string& destFol
             RaiseError(kZipCannotWrite, TextFromPath(target));
           } else {
             bool writeFailed = false;
+            std::uint64_t written = 0;
             const bool ok = ReadEntryData(entry, [&](const char* data, std::size_t size) {
+              // Never more than the entry declares, whatever its data inflate to.
+              written += size;
+              if (written > entry.uncompressedSize) return false;
               out.write(data, static_cast<std::streamsize>(size));
               if (!out) writeFailed = true;
               return !writeFailed;

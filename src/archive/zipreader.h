@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <filesystem>
 #include <fstream>
 #include <functional>
 #include <string>
@@ -42,10 +43,12 @@ enum ZipErrorCode : int {
   kZipDamaged = 6,      // data or header lying past the end of the file
   kZipUnsafeName = 7,   // '..', an absolute path or a drive letter
   kZipCannotWrite = 8,  // the target file can't be created
+  kZipOverlapping = 9,  // entries share their bytes (a zip bomb's trick): the archive is refused
   kZipMissingFile = 10,
   kZipFileExists = 11,
   kZipCannotDelete = 12,
   kZipCannotMakeFolder = 13,
+  kZipNoSpace = 14,  // the entries would not fit the free space of the destination
 };
 
 // The text of an error code, with `name` (a path or an entry name) put in.
@@ -74,6 +77,9 @@ class ZipExtractionClass final {
   std::function<void(int code, const std::string& text)> ZipError;
   // Lines worth keeping in the run log (an entry refused for its name).
   std::function<void(const std::string& line)> LogLine;
+  // The free bytes of a destination folder; the file system's own figure when empty (tests
+  // give a small one).
+  std::function<std::uint64_t(const std::filesystem::path& folder)> FreeSpace;
 
   // Opens `path`, closing whatever was open. False (with error 10 or 2) when it is missing or is
   // no zip.
@@ -113,6 +119,8 @@ class ZipExtractionClass final {
   using Sink = std::function<bool(const char* data, std::size_t size)>;
   bool FindEndRecord(std::uint64_t& cdOffset, std::uint64_t& cdSize, std::uint64_t& entryCount);
   bool ReadCentralDirectory(std::uint64_t cdOffset, std::uint64_t cdSize, std::uint64_t entryCount);
+  // True when two entries' local headers and data share bytes.
+  bool EntriesOverlap() const;
   // Inflates or copies one entry into `sink`. Gives false on any error (already raised).
   // `wroteSomething` tells whether the sink was called with data that must now be thrown away.
   bool ReadEntryData(const ZipEntry& entry, const Sink& sink);

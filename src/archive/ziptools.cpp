@@ -12,6 +12,7 @@
 #include "core/log.h"
 #include "core/messages.h"
 #include "core/settings.h"
+#include "core/textutil.h"
 #include "core/userinterface.h"
 #include "core/work.h"
 
@@ -20,20 +21,6 @@ namespace tessarin {
 namespace fs = std::filesystem;
 
 namespace {
-
-std::string Trimmed(const std::string& text) {
-  const std::size_t first = text.find_first_not_of(" \t");
-  if (first == std::string::npos) return {};
-  const std::size_t last = text.find_last_not_of(" \t");
-  return text.substr(first, last - first + 1);
-}
-
-std::string LowerAscii(std::string text) {
-  for (char& c : text) {
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-  }
-  return text;
-}
 
 int RunWorker(const ZipToolsServices& services, const std::string& program,
               const std::string& argument) {
@@ -70,7 +57,7 @@ void SaveZipToolsState(Settings& settings, const ZipToolsState& state) {
 ZipToolsResult ZipAllFolders(const ZipToolsServices& services, Work& work, ZipToolsState& state) {
   ZipToolsResult result = ZipToolsResult::NothingDone;
   RunGuarded(services.log, 7201, [&] {
-    if (Trimmed(state.source).empty() || Trimmed(state.destination).empty()) return;
+    if (TrimWhite(state.source).empty() || TrimWhite(state.destination).empty()) return;
     std::string worker = FindZipWorker(services.appFolder);
     if (worker.empty()) {
       ExtractZipWorker(services.appFolder, services.workerSources);
@@ -136,7 +123,7 @@ ZipToolsResult UnzipAllZips(const ZipToolsServices& services, Work& work, ZipToo
                             std::string& unzipError) {
   ZipToolsResult result = ZipToolsResult::NothingDone;
   RunGuarded(services.log, 7202, [&] {
-    if (Trimmed(state.source).empty() || Trimmed(state.destination).empty()) return;
+    if (TrimWhite(state.source).empty() || TrimWhite(state.destination).empty()) return;
     state.source = AddSlash(state.source);
     state.destination = AddSlash(state.destination);
     work.SetStatus("Unzipping");
@@ -150,7 +137,7 @@ ZipToolsResult UnzipAllZips(const ZipToolsServices& services, Work& work, ZipToo
       std::error_code e;
       const std::string file = TextFromPath(it->path().filename());
       if (!it->is_regular_file(e) || file.size() < 4 ||
-          LowerAscii(file.substr(file.size() - 4)) != ".zip") {
+          LowerCopy(file.substr(file.size() - 4)) != ".zip") {
         continue;
       }
       zips.emplace_back(file, file.substr(0, file.size() - 4));

@@ -5,21 +5,11 @@
 #include <system_error>
 
 #include "archive/zippath.h"
+#include "core/textutil.h"
 
 namespace tessarin {
 
 namespace fs = std::filesystem;
-
-namespace {
-
-std::string LowerAscii(std::string text) {
-  for (char& c : text) {
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-  }
-  return text;
-}
-
-}  // namespace
 
 std::string ZipWorkerFileName() {
 #ifdef _WIN32
@@ -32,9 +22,9 @@ std::string ZipWorkerFileName() {
 std::string FindZipWorker(const std::string& appFolder) {
   std::error_code ec;
   const fs::path folder = PathFromText(appFolder);
-  const std::string wanted = LowerAscii(ZipWorkerFileName());
+  const std::string wanted = LowerCopy(ZipWorkerFileName());
   for (fs::directory_iterator it(folder, ec), end; !ec && it != end; it.increment(ec)) {
-    if (LowerAscii(TextFromPath(it->path().filename())) != wanted) continue;
+    if (LowerCopy(TextFromPath(it->path().filename())) != wanted) continue;
     std::error_code e;
     if (it->is_regular_file(e)) return TextFromPath(it->path());
   }

@@ -7,10 +7,10 @@
 #include <filesystem>
 #include <fstream>
 
+#include "app/context.h"
 #include "builder/datanalysers.h"
 #include "builder/inianalysers.h"
 #include "builder/pipeline.h"
-#include "app/context.h"
 #include "core/fileservices.h"
 #include "core/guard.h"
 #include "core/log.h"
@@ -66,13 +66,27 @@ bool HasContent(const std::string& path) { return FileExists(path) && FileLength
 
 std::string EmulatorOfSettings(const AppContext& ctx) { return ctx.settings.InfRead("DataFile1"); }
 
-// Runs the emulator with one option into `target`; the old file goes first, so that a run that
-// prints nothing can't leave an earlier list behind.
-void RunEmulator(const AppContext& ctx, const std::string& option, const std::string& target) {
-  KillQuiet(target);
+// Runs the emulator with one option into `target`. The output goes to a temporary name and
+// replaces `target` once the run has ended, so that a run killed half-way leaves the old file
+// (which the old index points into) whole. A run that prints nothing leaves an empty file, so
+// that an earlier list can't stand in for its output; a cancel (which ends the emulator at
+// once) keeps the old file.
+void RunEmulator(const AppContext& ctx, const std::string& option, const std::string& target,
+                 Work* work) {
+  const std::string temp = TempNameBeside(target);
   RunOptions options;
-  options.standardOutputFile = target;
+  options.standardOutputFile = temp;
+  if (work) options.cancel = &work->CancelRequested;
   RunAndWait(EmulatorOfSettings(ctx), {option}, options);
+  if (work && work->CancelRequested) {
+    KillQuiet(temp);
+    return;
+  }
+  SyncFileToDisk(temp);
+  if (!RenameFile(temp, target)) {
+    KillQuiet(temp);
+    KillQuiet(target);
+  }
 }
 
 // Whether the start of a dump is the XML list rather than the legacy one.
@@ -86,12 +100,33 @@ bool LooksLikeXml(const std::string& path) {
          head.find("<game") != std::string::npos || head.find("<machine") != std::string::npos;
 }
 
-bool EndsWithNoCase(std::string_view text, std::string_view end) {
-  if (text.size() < end.size()) return false;
-  return LowerCopy(text.substr(text.size() - end.size())) == LowerCopy(end);
-}
-
 }  // namespace
+
+std::string DumpFileProblem(const std::string& path) {
+  if (FolderExists(path)) return "is a folder, not a game list";
+  if (!FileExists(path)) return "doesn't exist";
+  std::ifstream file(FsPath(path), std::ios::binary);
+  if (!file) return "can't be read";
+  std::string head(65536, '\0');
+  file.read(head.data(), static_cast<std::streamsize>(head.size()));
+  head.resize(static_cast<size_t>(file.gcount()));
+  if (head.empty()) return "is empty";
+  // Text lists hold no NUL byte; a program or an archive does at once.
+  if (head.find('\0') != std::string::npos) {
+    return "is a binary file (a program or an archive?), not the emulator's game list";
+  }
+  const bool xml =
+      head.find("<?xml") != std::string::npos || head.find("<mame") != std::string::npos ||
+      head.find("<game ") != std::string::npos || head.find("<machine ") != std::string::npos;
+  const bool legacy = StartsWith(head, "game (") || head.find("\ngame (") != std::string::npos ||
+                      head.find("\nmachine (") != std::string::npos ||
+                      StartsWith(head, "machine (") ||
+                      head.find("\nresource (") != std::string::npos;
+  if (!xml && !legacy) {
+    return "holds no game list: it isn't the output of the emulator's -listxml or -listinfo";
+  }
+  return {};
+}
 
 DataFilePaths FindDefaultPaths(AppContext& ctx) {
   DataFilePaths paths;
@@ -190,11 +225,11 @@ double LeadingNumberValue(std::string_view text) {
   return std::strtod(number.c_str(), nullptr);
 }
 
-double TrouveVersionMAME(AppContext& ctx) {
+double TrouveVersionMAME(AppContext& ctx, Work* work) {
   double version = 0;
   RunGuarded(ctx.log, 3601, [&] {
     const std::string target = AddSlash(ctx.AppFolder()) + "vermame.txt";
-    RunEmulator(ctx, "-help", target);
+    RunEmulator(ctx, "-help", target, work);
     if (!FileExists(target)) return;
     std::string text;
     if (!ReadWholeFile(target, text)) return;
@@ -208,12 +243,12 @@ double TrouveVersionMAME(AppContext& ctx) {
   return version;
 }
 
-bool RunListXml(AppContext& ctx, const std::string& path) {
+bool RunListXml(AppContext& ctx, const std::string& path, Work* work) {
   bool made = false;
   RunGuarded(ctx.log, 3602, [&] {
     const std::string target = path.empty() ? AddSlash(ctx.AppFolder()) + "listxml.txt" : path;
-    RunEmulator(ctx, "-listxml", target);
-    made = HasContent(target);
+    RunEmulator(ctx, "-listxml", target, work);
+    made = HasContent(target) && !(work && work->CancelRequested);
   });
   return made;
 }
@@ -224,9 +259,9 @@ bool RunListInfo(AppContext& ctx, Work& work, const std::string& path) {
     const std::string target = path.empty() ? AddSlash(ctx.AppFolder()) + "listinfo.txt" : path;
     work.ProgressValue = 0;
     work.ProgressMax = 10;
-    RunEmulator(ctx, "-listinfo", target);
+    RunEmulator(ctx, "-listinfo", target, &work);
     work.ProgressValue = 5;
-    made = HasContent(target);
+    made = HasContent(target) && !work.CancelRequested;
   });
   return made;
 }
@@ -256,46 +291,61 @@ bool CreateDatabase(AppContext& ctx, Work& work, const std::string& dumpFile, bo
   const std::string legacyDump = DefaultListInfoPath(app);
 
   std::string dump;
-  if (haveEmulator) TrouveVersionMAME(ctx);
+  if (haveEmulator) TrouveVersionMAME(ctx, &work);
+  if (work.CancelRequested) return false;
   if (!dumpFile.empty()) {
     // A list printed earlier stands in for the emulator's run; it goes to the dump's place,
     // and the other dump goes, so that the build reads this list only.
-    if (!HasContent(dumpFile)) {
-      ui.ShowMessage(false, msg.Lng(332), {}, Icon::Information);
+    // Checked before anything is copied or deleted: a wrong file costs nothing.
+    const std::string problem = DumpFileProblem(dumpFile);
+    if (!problem.empty()) {
+      ui.ShowMessage(false, dumpFile + "|" + problem, msg.Lng(29), Icon::Stop);
       return false;
     }
     const bool xml = LooksLikeXml(dumpFile);
     dump = xml ? xmlDump : legacyDump;
-    KillQuiet(xml ? legacyDump : xmlDump);
     std::error_code error;
     const fs::path from = FsPath(dumpFile), to = FsPath(dump);
     // Only the dump's own path given is left as it is.
     if (fs::weakly_canonical(from, error) != fs::weakly_canonical(to, error)) {
       // A copy, so that the database keeps its list whatever becomes of the original; or,
-      // when asked, a second name for the same file, which costs no writing.
+      // when asked, a second name for the same file, which costs no writing. Either goes to a
+      // temporary name first and is renamed into place once whole: until then the old dump,
+      // which the old index points into, stays.
+      const std::string temp = TempNameBeside(dump);
+      const fs::path tempPath = FsPath(temp);
       error.clear();
-      fs::remove(to, error);
-      error.clear();
-      if (linkDump) fs::create_hard_link(from, to, error);
-      if (!linkDump || error) {
-        error.clear();
-        fs::copy_file(from, to, fs::copy_options::overwrite_existing, error);
+      bool linked = false;
+      if (linkDump) {
+        fs::create_hard_link(from, tempPath, error);
+        linked = !error;
       }
+      if (!linked) {
+        error.clear();
+        fs::copy_file(from, tempPath, fs::copy_options::overwrite_existing, error);
+        if (!error && !SyncFileToDisk(temp)) error = std::make_error_code(std::errc::io_error);
+      }
+      if (!error) fs::rename(tempPath, to, error);
       if (error) {
+        KillQuiet(temp);
         ui.ShowMessage(false, dump + "|" + error.message(), msg.Lng(29), Icon::Stop);
         return false;
       }
     }
+    KillQuiet(xml ? legacyDump : xmlDump);
     work.SetStatus(msg.Lng(xml ? 60 : 61));
   } else {
     work.SetStatus(msg.Lng(59));
-    if (RunListXml(ctx, xmlDump)) {
+    if (RunListXml(ctx, xmlDump, &work)) {
       dump = xmlDump;
       work.SetStatus(msg.Lng(60));
+    } else if (work.CancelRequested) {
+      return false;
     } else if (RunListInfo(ctx, work, legacyDump)) {
       dump = legacyDump;
       work.SetStatus(msg.Lng(61));
     } else {
+      if (work.CancelRequested) return false;
       ui.ShowMessage(false, msg.Lng(332), {}, Icon::Information);
       return false;
     }

@@ -31,14 +31,16 @@ void SavePaths(AppContext& ctx, const DataFilePaths& paths, const std::string& r
 // Runs the emulator of the settings with -help and keeps the first line it prints as the
 // store's DatabaseVersion (unchanged when nothing could be run). Gives the number in that line
 // from its 9th character on, without the letters "v"; 0 when there is none.
-double TrouveVersionMAME(AppContext& ctx);
+// With `work`, a cancel ends the emulator at once.
+double TrouveVersionMAME(AppContext& ctx, Work* work = nullptr);
 // The number value at the start of a text, as the version line is read: blanks skipped, an
 // optional sign, digits with one decimal point; 0 when no number stands there.
 double LeadingNumberValue(std::string_view text);
 
 // Runs the emulator with -listxml (-listinfo) into `path` (empty: listxml.txt, listinfo.txt in
-// the application folder). True when the file then exists and is not empty.
-bool RunListXml(AppContext& ctx, const std::string& path);
+// the application folder). True when the file then exists and is not empty. With `work`, a
+// cancel ends the emulator at once (and the result is false).
+bool RunListXml(AppContext& ctx, const std::string& path, Work* work = nullptr);
 bool RunListInfo(AppContext& ctx, Work& work, const std::string& path);
 
 // The complete creation: asks before replacing an existing database, runs the emulator for its
@@ -50,6 +52,10 @@ bool RunListInfo(AppContext& ctx, Work& work, const std::string& path);
 // database was written; every failure is told through the user interface.
 bool CreateDatabase(AppContext& ctx, Work& work, const std::string& dumpFile = {},
                     bool linkDump = false);
+
+// Why `path` can't be a game list of the emulator ("is a binary file...", "is empty"...), told
+// after its path; the empty text when it may be one.
+std::string DumpFileProblem(const std::string& path);
 
 // Runs the analysers over the records in memory (loading the index first when needed), with
 // their fields reset. Gives true after a full run; the caller saves the index.

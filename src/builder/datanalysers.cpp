@@ -23,14 +23,6 @@ namespace {
 
 constexpr size_t kInitialBuffer = 1 << 20;
 
-bool EqualNoCase(std::string_view a, std::string_view b) {
-  if (a.size() != b.size()) return false;
-  for (size_t i = 0; i < a.size(); ++i) {
-    if (LowerAscii(a[i]) != LowerAscii(b[i])) return false;
-  }
-  return true;
-}
-
 // "start,second" without a stream: the offsets of every entry of a big file go through here.
 void MakeRange(std::string& out, std::int64_t start, std::int64_t second) {
   char digits[48];
@@ -68,26 +60,6 @@ void ProgressToEnd(Work& work) { work.ProgressValue = work.ProgressMax.load(); }
 
 // ---- helpers shared with the ini analysers ----
 
-char LowerAscii(char c) { return (c >= 'A' && c <= 'Z') ? static_cast<char>(c + 32) : c; }
-
-std::string LowerCopy(std::string_view text) {
-  std::string out(text);
-  for (char& c : out) c = LowerAscii(c);
-  return out;
-}
-
-std::string_view TrimBlanks(std::string_view text) {
-  size_t first = 0;
-  while (first < text.size() && text[first] == ' ') ++first;
-  size_t last = text.size();
-  while (last > first && text[last - 1] == ' ') --last;
-  return text.substr(first, last - first);
-}
-
-bool StartsWith(std::string_view text, std::string_view prefix) {
-  return text.size() >= prefix.size() && text.compare(0, prefix.size(), prefix) == 0;
-}
-
 // ---- file look-up and log ----
 
 std::string ResolveNoCase(const std::string& folder, std::string_view relativePath) {
@@ -103,7 +75,7 @@ std::string ResolveNoCase(const std::string& folder, std::string_view relativePa
     fs::path candidate = current / FsPath(part);
     if (!fs::exists(candidate, ec)) {
       for (fs::directory_iterator it(current, ec), end; !ec && it != end; it.increment(ec)) {
-        if (EqualNoCase(PathText(it->path().filename()), part)) {
+        if (EqualsNoCase(PathText(it->path().filename()), part)) {
           candidate = it->path();
           break;
         }

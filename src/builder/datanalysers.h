@@ -6,6 +6,8 @@
 #include <string_view>
 #include <vector>
 
+#include "core/textutil.h"
+
 namespace tessarin {
 
 class AppContext;
@@ -52,13 +54,6 @@ std::string ResolveNoCase(const std::string& folder, std::string_view relativePa
 // empty a line break and `what`.
 std::string AnalysingLine(std::string_view path, std::string_view what);
 
-// Small text helpers of the analysers (bytes, ASCII case only).
-char LowerAscii(char c);
-std::string LowerCopy(std::string_view text);
-// Without leading and trailing blanks (spaces only, as the data files' readers always did).
-std::string_view TrimBlanks(std::string_view text);
-bool StartsWith(std::string_view text, std::string_view prefix);
-
 // Reads a data file line by line through one growing buffer, so that lines cost no
 // allocation. Every line end the file really has counts: CR LF, LF and a lone CR each end a
 // line, and LineEndLength() tells how many bytes it took (0 for a last line without one), so
@@ -72,7 +67,6 @@ class DataLineReader final {
   // False when the file can't be opened.
   bool Open(const std::string& path);
   void Close();
-  bool IsOpen() const { return m_file.is_open(); }
   // The file's length in bytes, from Open.
   std::int64_t FileLength() const { return m_fileLength; }
 

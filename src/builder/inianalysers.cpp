@@ -6,8 +6,8 @@
 #include <system_error>
 #include <vector>
 
-#include "builder/datanalysers.h"
 #include "app/context.h"
+#include "builder/datanalysers.h"
 #include "core/fileservices.h"
 #include "core/guard.h"
 #include "core/log.h"

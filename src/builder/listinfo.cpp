@@ -5,10 +5,10 @@
 #include <charconv>
 #include <vector>
 
+#include "app/context.h"
 #include "builder/datanalysers.h"
 #include "builder/listxml.h"
 #include "builder/tablelookup.h"
-#include "app/context.h"
 #include "core/fileservices.h"
 #include "core/guard.h"
 #include "core/log.h"

@@ -6,11 +6,12 @@
 #include <filesystem>
 #include <fstream>
 
-#include "builder/tablelookup.h"
 #include "app/context.h"
+#include "builder/tablelookup.h"
 #include "core/fileservices.h"
 #include "core/guard.h"
 #include "core/log.h"
+#include "core/textutil.h"
 #include "core/work.h"
 #include "store/gamerecord.h"
 #include "store/indexfile.h"
@@ -306,6 +307,18 @@ void ImportListXml(GameStore& store, Log& log, Work& work, const std::string& pa
 void ImportListXml(AppContext& ctx, Work& work, std::string& path) {
   if (path.empty()) path = DefaultListXmlPath(ctx.AppFolder());
   ImportListXml(ctx.store, ctx.log, work, path);
+}
+
+bool ListXmlIsWhole(const std::string& path) {
+  std::ifstream file(FsPath(path), std::ios::binary | std::ios::ate);
+  if (!file) return false;
+  const std::streamoff size = file.tellg();
+  const std::streamoff tail = std::min<std::streamoff>(size, 4096);
+  std::string end(static_cast<size_t>(tail), '\0');
+  file.seekg(size - tail);
+  file.read(end.data(), tail);
+  const std::string_view text = TrimWhite(end);
+  return text.ends_with("</mame>") || text.ends_with("</datafile>");
 }
 
 }  // namespace tessarin

@@ -25,6 +25,10 @@ class Work;
 // goes to the error tracker and ends the import without its EndRecord.
 void ImportListXml(AppContext& ctx, Work& work, std::string& path);
 
+// True when the XML list at `path` ends with its root's closing element (</mame> or
+// </datafile>), so it was printed to its end; false for a list cut in the middle.
+bool ListXmlIsWhole(const std::string& path);
+
 // The same on an explicit store, for callers and tests that have no context. `blockSize` is the
 // size of the reads (0: the usual 4 MB); tests make it small to put lines across blocks.
 void ImportListXml(GameStore& store, Log& log, Work& work, const std::string& path,

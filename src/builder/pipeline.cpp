@@ -3,14 +3,15 @@
 #include <QDateTime>
 #include <QString>
 
+#include "app/context.h"
 #include "builder/datanalysers.h"
 #include "builder/inianalysers.h"
 #include "builder/listinfo.h"
 #include "builder/listxml.h"
-#include "app/context.h"
 #include "core/fileservices.h"
 #include "core/guard.h"
 #include "core/log.h"
+#include "core/userinterface.h"
 #include "core/work.h"
 #include "store/faststrings.h"
 #include "store/gamerecord.h"
@@ -39,6 +40,19 @@ void ResolveEntities(std::string& record) {
   }
 }
 
+namespace {
+
+// The number of games of the database on disk; 0 when there is none. Read only when a cut list
+// is about to replace it, so its cost doesn't matter.
+int IndexGameCount(AppContext& ctx, const std::string& path) {
+  if (!FileExists(path)) return 0;
+  GameStore previous;
+  if (!LoadIndex(previous, ctx.log, path)) return 0;
+  return previous.GameCount();
+}
+
+}  // namespace
+
 bool BuildDatabase(AppContext& ctx, Work& work) {
   bool built = false;
   RunGuarded(ctx.log, 3101, [&] {
@@ -53,9 +67,20 @@ bool BuildDatabase(AppContext& ctx, Work& work) {
     std::string path;
     ImportListXml(ctx, work, path);
     if (cancelled()) return logCancel();
+    bool cutList = false;
     if (store.GameCount() != 0) {
       store.SourceIsXml = true;
       log.WriteLogLine(" Source is XML");
+      // The import keeps what it read; a list that lacks its end is told, and a larger
+      // database isn't replaced by it without a yes.
+      if (!ListXmlIsWhole(path)) {
+        cutList = true;
+        const std::string said = "The game list " + path +
+                                 " ends before its closing </mame>: it was cut short, and only " +
+                                 std::to_string(store.GameCount()) + " games were read.";
+        log.WriteLogLine(" " + said);
+        ctx.Ui().ShowMessage(false, said, {}, Icon::Warning);
+      }
     } else {
       log.WriteLogLine(" Source is not XML (old version of MAME)");
       path.clear();
@@ -102,6 +127,17 @@ bool BuildDatabase(AppContext& ctx, Work& work) {
     for (int i = 1; i <= count; ++i) ResolveEntities(store.GameRecords[static_cast<size_t>(i)]);
 
     MakeFolder(DataFilesFolder(ctx.AppFolder()));
+    if (cutList) {
+      const int previous = IndexGameCount(ctx, IndexFilePath(ctx.AppFolder()));
+      if (previous > store.GameCount() &&
+          !ctx.Ui().AskYesNo("The database holds " + std::to_string(previous) +
+                                 " games; the cut list gives " + std::to_string(store.GameCount()) +
+                                 ".|Replace it all the same?",
+                             {}, Icon::Question)) {
+        log.WriteLogLine(" The database of " + std::to_string(previous) + " games was kept.");
+        return;
+      }
+    }
     built = SaveIndex(store, log, &work, IndexFilePath(ctx.AppFolder()));
   });
   return built;

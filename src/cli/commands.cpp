@@ -8,7 +8,8 @@
 
 namespace tessarin {
 
-int RunCli(int argc, char** argv, const std::string& executableFolder) {
+int RunCli(int argc, char** argv, const std::string& executableFolder,
+           const std::function<void(CliRegistry&)>& moreCommands) {
   CLI::App app{"tessarin-cli: builds, inspects and exports Tessarin's game database."};
   app.name("tessarin-cli");
   std::string home;
@@ -34,6 +35,7 @@ int RunCli(int argc, char** argv, const std::string& executableFolder) {
   RegisterImageCommands(registry);
   RegisterToolCommands(registry);
   RegisterSiteCommands(registry);
+  if (moreCommands) moreCommands(registry);
 
   try {
     app.parse(argc, argv);

@@ -56,8 +56,8 @@ void AddBuild(CliRegistry& registry) {
           ctx.settings.InfWrite("DataFile1", paths[1]);
         }
         Work& work = session.CurrentWork();
-        const bool ok = session.RunWithProgress(
-            [&] { return CreateDatabase(ctx, work, o->dump, o->link); });
+        const bool ok =
+            session.RunWithProgress([&] { return CreateDatabase(ctx, work, o->dump, o->link); });
         if (ok) {
           session.Print(std::to_string(ctx.store.GameCount()) + " games written to " +
                         IndexFilePath(ctx.AppFolder()));
@@ -113,28 +113,28 @@ void AddUpdate(CliRegistry& registry) {
 
 void AddScanRoms(CliRegistry& registry) {
   auto romPath = std::make_shared<std::string>();
-  CLI::App* scan = registry.Add(
-      "scan-roms", "Mark the games whose roms are in the rom folder",
-      [romPath](CliSession& session) {
-        AppContext& ctx = session.Ctx();
-        if (!romPath->empty()) ctx.settings.InfWrite("RomPath", AddSlash(*romPath));
-        if (!session.EnsureLoaded()) return kExitFailed;
-        Work& work = session.CurrentWork();
-        int matches = -1;
-        const bool saved = session.RunWithProgress([&] {
-          ScanRoms(ctx, work, false, &matches);
-          if (matches < 0 || work.CancelRequested) return false;
-          return SaveIndex(ctx.store, ctx.log, &work, IndexFilePath(ctx.AppFolder()));
-        });
-        if (matches < 0 || !saved) return kExitFailed;
-        int present = 0;
-        for (int i = 1; i <= ctx.store.GameCount(); ++i) {
-          if (IsPresent(ctx.store.GameRecords[static_cast<size_t>(i)])) ++present;
-        }
-        session.Print(std::to_string(present) + " games present (" + std::to_string(matches) +
-                      " marks)");
-        return kExitOk;
-      });
+  CLI::App* scan =
+      registry.Add("scan-roms", "Mark the games whose roms are in the rom folder",
+                   [romPath](CliSession& session) {
+                     AppContext& ctx = session.Ctx();
+                     if (!romPath->empty()) ctx.settings.InfWrite("RomPath", AddSlash(*romPath));
+                     if (!session.EnsureLoaded()) return kExitFailed;
+                     Work& work = session.CurrentWork();
+                     int matches = -1;
+                     const bool saved = session.RunWithProgress([&] {
+                       ScanRoms(ctx, work, false, &matches);
+                       if (matches < 0 || work.CancelRequested) return false;
+                       return SaveIndex(ctx.store, ctx.log, &work, IndexFilePath(ctx.AppFolder()));
+                     });
+                     if (matches < 0 || !saved) return kExitFailed;
+                     int present = 0;
+                     for (int i = 1; i <= ctx.store.GameCount(); ++i) {
+                       if (IsPresent(ctx.store.GameRecords[static_cast<size_t>(i)])) ++present;
+                     }
+                     session.Print(std::to_string(present) + " games present (" +
+                                   std::to_string(matches) + " marks)");
+                     return kExitOk;
+                   });
   scan->add_option("--rom-path", *romPath, "The rom folder (kept as RomPath)")
       ->check(CLI::ExistingDirectory);
 }
@@ -163,8 +163,7 @@ void AddRecord(CliRegistry& registry) {
                                     const GameStore& store = session.Ctx().store;
                                     const int index = store.FindGame(*name);
                                     if (index == 0) {
-                                      session.Error("No game named " + *name +
-                                                    " in the database");
+                                      session.Error("No game named " + *name + " in the database");
                                       return kExitFailed;
                                     }
                                     session.Print(store.GameRecords[static_cast<size_t>(index)]);

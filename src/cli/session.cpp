@@ -9,6 +9,7 @@
 #include "app/context.h"
 #include "cli/terminal.h"
 #include "core/fileservices.h"
+#include "core/log.h"
 #include "core/messages.h"
 #include "core/settings.h"
 #include "core/userinterface.h"
@@ -109,7 +110,13 @@ CliSession::~CliSession() = default;
 
 AppContext& CliSession::Ctx() {
   if (m_ctx) return *m_ctx;
-  m_ctx = std::make_unique<AppContext>(ResolveAppFolder(m_home, m_executableFolder));
+  const std::string folder = ResolveAppFolder(m_home, m_executableFolder);
+  // Settings, log and database all live there: without it nothing a command does would last.
+  if (!FolderIsWritable(folder)) {
+    throw Failure(75, "The application folder can't be written: " + folder);
+  }
+  RemoveStaleTempFilesOfRun(folder);
+  m_ctx = std::make_unique<AppContext>(folder);
   AppContext& ctx = *m_ctx;
   ctx.SetUi(m_ui.get());
   ctx.log.SetFatalHandler([this](const std::string& logPath) {

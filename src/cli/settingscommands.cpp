@@ -69,29 +69,28 @@ void RegisterSettingsCommands(CliRegistry& registry) {
   auto key = std::make_shared<std::string>();
   auto value = std::make_shared<std::string>();
 
-  CLI::App* get = registry.Add("get", "Print a setting (-1 when it isn't set)",
-                               [key](CliSession& session) {
-                                 session.Print(session.Ctx().settings.InfRead(*key));
-                                 return kExitOk;
-                               });
+  CLI::App* get =
+      registry.Add("get", "Print a setting (-1 when it isn't set)", [key](CliSession& session) {
+        session.Print(session.Ctx().settings.InfRead(*key));
+        return kExitOk;
+      });
   get->add_option("KEY", *key, "Settings key")->required();
   get->footer(KeyList());
 
-  CLI::App* set = registry.Add(
-      "set", "Write a setting", [key, value](CliSession& session) {
-        Settings& settings = session.Ctx().settings;
-        if (!IsKnownKey(*key)) {
-          session.Error("Warning: " + *key +
-                        " is not a key Tessarin knows; it is written all the same (see set "
-                        "--help)");
-        }
-        settings.InfWrite(*key, *value);
-        if (settings.InfRead(*key) != *value) {
-          session.Error("Could not write " + *key + " to " + settings.FilePath());
-          return kExitFailed;
-        }
-        return kExitOk;
-      });
+  CLI::App* set = registry.Add("set", "Write a setting", [key, value](CliSession& session) {
+    Settings& settings = session.Ctx().settings;
+    if (!IsKnownKey(*key)) {
+      session.Error("Warning: " + *key +
+                    " is not a key Tessarin knows; it is written all the same (see set "
+                    "--help)");
+    }
+    settings.InfWrite(*key, *value);
+    if (settings.InfRead(*key) != *value) {
+      session.Error("Could not write " + *key + " to " + settings.FilePath());
+      return kExitFailed;
+    }
+    return kExitOk;
+  });
   set->add_option("KEY", *key, "Settings key")->required();
   set->add_option("VALUE", *value, "Value")->required();
   set->footer(KeyList());

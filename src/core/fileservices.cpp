@@ -2,59 +2,27 @@
 
 #include <QFile>
 #include <QProcess>
-#include <QSaveFile>
 #include <QString>
 #include <algorithm>
 #include <fstream>
 #include <random>
 #include <system_error>
 
+#ifdef _WIN32
+#include <fcntl.h>
+#include <io.h>
+#else
+#include <fcntl.h>
+#include <unistd.h>
+#endif
+
+#include "core/textutil.h"
+
 namespace tessarin {
 
 namespace fs = std::filesystem;
 
 namespace {
-
-bool IsSeparator(char c) { return c == '/' || c == '\\'; }
-
-std::string CutFinalSeparator(std::string path) {
-  // A root ("/" or "C:\") keeps its separator: without it, it names another thing.
-  while (path.size() > 1 && IsSeparator(path.back()) && !(path.size() == 3 && path[1] == ':')) {
-    path.pop_back();
-  }
-  return path;
-}
-
-char Lower(char c) { return (c >= 'A' && c <= 'Z') ? static_cast<char>(c - 'A' + 'a') : c; }
-
-bool EqualNoCase(std::string_view a, std::string_view b) {
-  if (a.size() != b.size()) return false;
-  for (size_t i = 0; i < a.size(); ++i) {
-    if (Lower(a[i]) != Lower(b[i])) return false;
-  }
-  return true;
-}
-
-// '*' and '?' against a file name, without regard to case as the desktop's own matching does.
-bool WildcardMatch(std::string_view pattern, std::string_view name) {
-  size_t p = 0, n = 0, starP = std::string_view::npos, starN = 0;
-  while (n < name.size()) {
-    if (p < pattern.size() && (pattern[p] == '?' || Lower(pattern[p]) == Lower(name[n]))) {
-      ++p;
-      ++n;
-    } else if (p < pattern.size() && pattern[p] == '*') {
-      starP = p++;
-      starN = n;
-    } else if (starP != std::string_view::npos) {
-      p = starP + 1;
-      n = ++starN;
-    } else {
-      return false;
-    }
-  }
-  while (p < pattern.size() && pattern[p] == '*') ++p;
-  return p == pattern.size();
-}
 
 QString ToQString(const std::string& utf8) { return QString::fromUtf8(utf8.data(), utf8.size()); }
 
@@ -70,14 +38,9 @@ void CopyTree(const fs::path& from, const fs::path& to) {
 
 }  // namespace
 
-fs::path FsPath(const std::string& utf8Path) {
-  return fs::path(std::u8string(utf8Path.begin(), utf8Path.end()));
-}
+fs::path FsPath(const std::string& utf8Path) { return PathFromText(utf8Path); }
 
-std::string PathText(const fs::path& path) {
-  const std::u8string text = path.u8string();
-  return std::string(text.begin(), text.end());
-}
+std::string PathText(const fs::path& path) { return TextFromPath(path); }
 
 bool FileExists(const std::string& path) {
   if (path.empty()) return false;
@@ -93,7 +56,7 @@ bool FolderExists(const std::string& path) {
 }
 
 std::string AddSlash(std::string path) {
-  if (path.empty() || !IsSeparator(path.back())) {
+  if (path.empty() || !IsPathSeparator(path.back())) {
     path += static_cast<char>(fs::path::preferred_separator);
   }
   return path;
@@ -190,20 +153,75 @@ std::string FindFileNoCase(const std::string& folder, const std::string& name) {
   if (fs::exists(FsPath(exact), ec)) return exact;
   for (fs::directory_iterator it(FsPath(base), ec), end; !ec && it != end; it.increment(ec)) {
     const std::string candidate = PathText(it->path().filename());
-    if (EqualNoCase(candidate, name)) return base + candidate;
+    if (EqualsNoCase(candidate, name)) return base + candidate;
   }
   return exact;
 }
 
+std::string TempNameBeside(const std::string& path) {
+  static std::atomic<unsigned> counter{0};
+  thread_local std::mt19937 random(std::random_device{}());
+  static constexpr char kDigits[] = "abcdefghijklmnopqrstuvwxyz0123456789";
+  std::string tag;
+  for (int i = 0; i < 6; ++i) tag += kDigits[random() % (sizeof kDigits - 1)];
+  return CutFinalSeparator(path) + "." + tag + std::to_string(counter++) + std::string(kTempMark);
+}
+
+bool SyncFileToDisk(const std::string& path) {
+#ifdef _WIN32
+  const int fd = _open(path.c_str(), _O_RDWR | _O_BINARY);
+  if (fd < 0) return false;
+  const bool synced = _commit(fd) == 0;
+  _close(fd);
+#else
+  const int fd = ::open(FsPath(path).c_str(), O_RDONLY | O_CLOEXEC);
+  if (fd < 0) return false;
+  const bool synced = ::fsync(fd) == 0;
+  ::close(fd);
+#endif
+  return synced;
+}
+
 bool WriteFileAtomically(const std::string& path, std::string_view content) {
-  QSaveFile file(ToQString(path));
-  if (!file.open(QIODevice::WriteOnly)) return false;
-  if (file.write(content.data(), static_cast<qint64>(content.size())) !=
-      static_cast<qint64>(content.size())) {
-    file.cancelWriting();
+  const std::string temp = TempNameBeside(path);
+  {
+    std::ofstream out(FsPath(temp), std::ios::binary | std::ios::trunc);
+    if (!out) return false;
+    out.write(content.data(), static_cast<std::streamsize>(content.size()));
+    out.close();
+    if (out.fail()) {
+      KillQuiet(temp);
+      return false;
+    }
+  }
+  // Synced before the rename, so that after a power cut the name never leads to a short file.
+  std::error_code ec;
+  if (!SyncFileToDisk(temp)) {
+    KillQuiet(temp);
     return false;
   }
-  return file.commit();
+  fs::rename(FsPath(temp), FsPath(path), ec);
+  if (ec) {
+    KillQuiet(temp);
+    return false;
+  }
+  return true;
+}
+
+int RemoveStaleTempFiles(const std::string& folder, std::chrono::seconds minimumAge) {
+  int removed = 0;
+  std::error_code ec;
+  const auto now = fs::file_time_type::clock::now();
+  for (fs::directory_iterator it(FsPath(folder), ec), end; !ec && it != end; it.increment(ec)) {
+    const std::string name = PathText(it->path().filename());
+    if (name.size() <= kTempMark.size() || !name.ends_with(kTempMark)) continue;
+    std::error_code itemError;
+    if (!it->is_regular_file(itemError)) continue;
+    const auto written = fs::last_write_time(it->path(), itemError);
+    if (itemError || now - written < minimumAge) continue;
+    if (fs::remove(it->path(), itemError)) ++removed;
+  }
+  return removed;
 }
 
 bool ReadWholeFile(const std::string& path, std::string& content) {
@@ -238,8 +256,22 @@ int RunAndWait(const std::string& program, const std::vector<std::string>& argum
   process.start();
   // 53 is "File not found", the error a missing program has always given here.
   if (!process.waitForStarted(-1)) return kRunStartFailure + 53;
-  // No time-out: the wait ends only with the program, as a build must not be cut short.
-  process.waitForFinished(-1);
+  // No time-out: the wait ends only with the program, as a build must not be cut short, or with
+  // a cancel, which must not wait for a list of hundreds of megabytes to be printed.
+  if (!options.cancel) {
+    process.waitForFinished(-1);
+  } else {
+    while (!process.waitForFinished(100)) {
+      if (process.state() == QProcess::NotRunning) break;
+      if (!options.cancel->load()) continue;
+      process.terminate();
+      if (!process.waitForFinished(std::max(0, options.cancelGraceMilliseconds))) {
+        process.kill();
+        process.waitForFinished(-1);
+      }
+      return kRunCancelled;
+    }
+  }
   if (process.exitStatus() == QProcess::CrashExit) return kRunStartFailure + 51;
   return process.exitCode();
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <atomic>
+#include <chrono>
 #include <filesystem>
 #include <string>
 #include <string_view>
@@ -12,7 +14,8 @@ class Work;
 // Paths are UTF-8 byte strings in the platform's own form. A folder is handed around with a
 // final separator (AddSlash); routines accept both '/' and '\' at the end of a folder.
 
-// A UTF-8 path text as a file system path, and back.
+// A UTF-8 path text as a file system path, and back: PathFromText and TextFromPath of
+// core/textutil.h, with its rule for '\'.
 std::filesystem::path FsPath(const std::string& utf8Path);
 std::string PathText(const std::filesystem::path& path);
 
@@ -45,9 +48,20 @@ std::string GetTempFolderPath();
 // when there is none, so the result can be created.
 std::string FindFileNoCase(const std::string& folder, const std::string& name);
 
-// Replaces `path` by `content` atomically: a crash leaves the old file or the new one, never a
-// short one. False when it can't be written.
+// Replaces `path` by `content` atomically: the content goes to a temporary file beside it,
+// which is synced to the disk and then renamed over `path`. A crash leaves the old file or the
+// new one, never a short one. False when it can't be written (nothing is left behind then).
 bool WriteFileAtomically(const std::string& path, std::string_view content);
+
+// The name of a temporary file of ours beside `path` (unique per call), which a rename puts in
+// place once it is whole; such names end in kTempMark.
+inline constexpr std::string_view kTempMark = ".tessarin-tmp";
+std::string TempNameBeside(const std::string& path);
+// Writes the file's data to the disk before it is renamed into place. False when it can't.
+bool SyncFileToDisk(const std::string& path);
+// Deletes the temporary files of ours in `folder` (not below it) that nobody has written to for
+// `minimumAge`: what a run killed between writing and renaming left behind. Gives how many.
+int RemoveStaleTempFiles(const std::string& folder, std::chrono::seconds minimumAge);
 // The whole file, or false when it can't be read.
 bool ReadWholeFile(const std::string& path, std::string& content);
 
@@ -59,12 +73,18 @@ struct RunOptions {
   int style = 6;
   // Working folder; empty for the current one.
   std::string workingFolder;
+  // Polled while the program runs (a job's cancel flag): once it is true the program is asked
+  // to end, and killed when it is still running `cancelGraceMilliseconds` later.
+  const std::atomic<bool>* cancel = nullptr;
+  int cancelGraceMilliseconds = 2000;
 };
+// What RunAndWait gives when the program was ended by a cancel (18, "User interrupt").
+constexpr int kRunCancelled = -2147221504 + 18;
 // The result RunAndWait gives when the program can't be started: this plus an error number.
 constexpr int kRunStartFailure = -2147221504;
 // Runs a program with its arguments (no shell: paths with blanks are safe), waits for its end
 // and gives its exit code. A program that can't be started gives kRunStartFailure + 53, a
-// negative number.
+// negative number; one ended by options.cancel gives kRunCancelled.
 int RunAndWait(const std::string& program, const std::vector<std::string>& arguments,
                const RunOptions& options = {});
 // The style RunAndWait uses for a requested one: 0 to 6 stay, anything else is 6.

@@ -3,12 +3,13 @@
 #include <string>
 #include <string_view>
 
-#include "core/version.h"
 #include "core/fileservices.h"
 #include "core/guard.h"
 #include "core/log.h"
 #include "core/settings.h"
+#include "core/textutil.h"
 #include "core/userinterface.h"
+#include "core/version.h"
 
 namespace tessarin::resources {
 // english.txt and french.txt, compiled into the program: one message a line, line n is
@@ -60,14 +61,6 @@ void ForEachLine(std::string_view bytes, Visit&& visit) {
     start = end + 1;
     if (bytes[end] == '\r' && start < bytes.size() && bytes[start] == '\n') ++start;
   }
-}
-
-// Blanks only, as the language files have always been trimmed.
-std::string_view TrimBlanks(std::string_view text) {
-  const std::size_t first = text.find_first_not_of(' ');
-  if (first == std::string_view::npos) return {};
-  const std::size_t last = text.find_last_not_of(' ');
-  return text.substr(first, last - first + 1);
 }
 
 std::string ReplaceAll(std::string_view text, std::string_view from, std::string_view to) {

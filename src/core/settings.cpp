@@ -6,6 +6,7 @@
 #include "core/fileservices.h"
 #include "core/guard.h"
 #include "core/log.h"
+#include "core/textutil.h"
 
 namespace tessarin {
 
@@ -16,13 +17,11 @@ constexpr int kTrackInfLoad = 1201;
 constexpr int kTrackInfRead = 1202;
 constexpr int kTrackInfWrite = 1203;
 
-char Upper(char c) { return (c >= 'a' && c <= 'z') ? static_cast<char>(c - 'a' + 'A') : c; }
-
 // The key rule: the line's first length(key) characters equal the key, both in upper case.
 bool StartsWithKey(std::string_view line, std::string_view key) {
   if (line.size() < key.size()) return false;
   for (size_t i = 0; i < key.size(); ++i) {
-    if (Upper(line[i]) != Upper(key[i])) return false;
+    if (UpperAscii(line[i]) != UpperAscii(key[i])) return false;
   }
   return true;
 }
@@ -30,15 +29,7 @@ bool StartsWithKey(std::string_view line, std::string_view key) {
 // Lines end with CR LF, LF or a lone CR; a final line end starts no further line.
 std::vector<std::string> SplitLines(const std::string& content) {
   std::vector<std::string> lines;
-  size_t start = 0;
-  const size_t size = content.size();
-  while (start < size) {
-    size_t end = start;
-    while (end < size && content[end] != '\r' && content[end] != '\n') ++end;
-    lines.emplace_back(content, start, end - start);
-    if (end < size && content[end] == '\r' && end + 1 < size && content[end + 1] == '\n') ++end;
-    start = end + 1;
-  }
+  for (const std::string_view line : tessarin::SplitLines(content)) lines.emplace_back(line);
   return lines;
 }
 

@@ -1,8 +1,8 @@
 // Kept in the core, below the application context: code that only needs the version (the
 // language template, the about box) must link without the game store.
-#include <string>
-
 #include "core/version.h"
+
+#include <string>
 
 namespace tessarin {
 

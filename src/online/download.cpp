@@ -7,6 +7,7 @@
 #include <fstream>
 #include <system_error>
 
+#include "core/textutil.h"
 #include "core/work.h"
 
 namespace tessarin {
@@ -14,16 +15,6 @@ namespace tessarin {
 namespace fs = std::filesystem;
 
 namespace {
-
-fs::path PathOf(const std::string& text) {
-  std::u8string utf8(text.begin(), text.end());
-#ifndef _WIN32
-  for (char8_t& c : utf8) {
-    if (c == u8'\\') c = u8'/';
-  }
-#endif
-  return fs::path(utf8);
-}
 
 struct Transfer {
   std::ofstream* out = nullptr;
@@ -58,7 +49,7 @@ int Progress(void* user, curl_off_t total, curl_off_t now, curl_off_t, curl_off_
 int DownloadFile(const std::string& url, const std::string& file, bool prepare, Work* work,
                  const DownloadOptions& options) {
   std::error_code ec;
-  const fs::path target = PathOf(file);
+  const fs::path target = PathFromText(file);
   if (prepare) {
     const fs::path folder = target.parent_path();
     if (!folder.empty() && !fs::is_directory(folder, ec)) {

@@ -5,40 +5,11 @@
 #include "core/fileservices.h"
 #include "core/guard.h"
 #include "core/log.h"
+#include "core/textutil.h"
 
 namespace tessarin {
 
 namespace {
-
-std::string_view Trim(std::string_view text) {
-  const auto blank = [](char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; };
-  while (!text.empty() && blank(text.front())) text.remove_prefix(1);
-  while (!text.empty() && blank(text.back())) text.remove_suffix(1);
-  return text;
-}
-
-std::string Upper(std::string_view text) {
-  std::string result(text);
-  for (char& c : result) {
-    if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
-  }
-  return result;
-}
-
-// Splits at CR LF, LF or a lone CR.
-std::vector<std::string_view> Lines(std::string_view text) {
-  std::vector<std::string_view> lines;
-  std::size_t start = 0;
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    if (text[i] == '\r' || text[i] == '\n') {
-      lines.push_back(text.substr(start, i - start));
-      if (text[i] == '\r' && i + 1 < text.size() && text[i + 1] == '\n') ++i;
-      start = i + 1;
-    }
-  }
-  if (start < text.size()) lines.push_back(text.substr(start));
-  return lines;
-}
 
 std::string Padded(std::string_view name) {
   std::string result(name.substr(0, 16));
@@ -104,8 +75,8 @@ std::string ApplyMawsBase(std::string_view text, const std::string& appFolder) {
   std::string content;
   if (FileExists(path)) {
     if (ReadWholeFile(path, content)) {
-      const std::vector<std::string_view> lines = Lines(content);
-      const std::string_view first = lines.empty() ? std::string_view() : Trim(lines.front());
+      const std::vector<std::string_view> lines = SplitLines(content);
+      const std::string_view first = lines.empty() ? std::string_view() : TrimWhite(lines.front());
       if (!first.empty()) base = std::string(first);
     }
   } else {
@@ -136,13 +107,13 @@ void LoadUrlList(UrlTables& tables, const std::string& appFolder, Log& log) {
     std::string content;
     if (!ReadWholeFile(path, content)) return;
     bool validEngine = false;
-    for (const std::string_view rawLine : Lines(content)) {
-      const std::string_view line = Trim(rawLine);
+    for (const std::string_view rawLine : SplitLines(content)) {
+      const std::string_view line = TrimWhite(rawLine);
       if (line.empty() || line.front() == '#' || line.front() == ';') continue;
       const std::size_t equals = line.find('=');
       if (equals == std::string_view::npos) continue;
-      const std::string key = Upper(Trim(line.substr(0, equals)));
-      const std::string value(Trim(line.substr(equals + 1)));
+      const std::string key = UpperCopy(TrimWhite(line.substr(0, equals)));
+      const std::string value(TrimWhite(line.substr(equals + 1)));
       if (value.empty()) continue;
 
       if (key == "SEARCH_ENGINE") {
@@ -161,7 +132,7 @@ void LoadUrlList(UrlTables& tables, const std::string& appFolder, Log& log) {
         }
       }
       for (std::size_t i = 0; i < kDataFileNames.size() && !known; ++i) {
-        const std::string name = Upper(kDataFileNames[i]);
+        const std::string name = UpperCopy(kDataFileNames[i]);
         if (key == "SITE_" + name) {
           tables.SiteList[i] = value;
           known = true;

@@ -3,7 +3,9 @@
 #include <QApplication>
 #include <QDir>
 #include <QMessageBox>
+#include <cstdio>
 #include <cstdlib>
+#include <string_view>
 
 #include "app/context.h"
 #include "core/fileservices.h"
@@ -12,9 +14,10 @@
 #include "shell/languagedialog.h"
 #include "shell/mainframe.h"
 #include "shell/pathwizarddialog.h"
+#include "store/indexfile.h"
+#include "widgets/desktopui.h"
 #include "widgets/picturesui.h"
 #include "widgets/windowhelpersui.h"
-#include "store/indexfile.h"
 
 namespace tessarin {
 
@@ -60,7 +63,37 @@ std::unique_ptr<MainFrame> StartDesktop(AppContext& ctx, ShellSession& session, 
   return frame;
 }
 
+namespace {
+
+// --help and --version are answered before anything starts, so that they write nothing.
+// Gives true when one of them was given.
+bool AnswerInformationOptions(int argc, char** argv) {
+  for (int i = 1; i < argc; ++i) {
+    const std::string_view option(argv[i]);
+    if (option == "--version" || option == "-v") {
+      std::printf("tessarin %s\n", AppVersion().c_str());
+      return true;
+    }
+    if (option == "--help" || option == "-h" || option == "-?") {
+      std::printf(
+          "Usage: tessarin [--home DIR]\n"
+          "A desktop companion for the MAME arcade emulator.\n\n"
+          "  --home DIR   the application folder (settings, log, DataFiles...); by default the\n"
+          "               program's folder when it can be written to, else\n"
+          "               ~/.local/share/tessarin\n"
+          "  --help       show this text and end\n"
+          "  --version    show the version and end\n\n"
+          "tessarin-cli builds and reads the database from a terminal.\n");
+      return true;
+    }
+  }
+  return false;
+}
+
+}  // namespace
+
 int RunDesktopProgram(int argc, char** argv) {
+  if (AnswerInformationOptions(argc, argv)) return 0;
   QApplication app(argc, argv);
   QApplication::setApplicationName(QStringLiteral("Tessarin"));
   QApplication::setWindowIcon(AppIcon());
@@ -72,6 +105,15 @@ int RunDesktopProgram(int argc, char** argv) {
   const std::string exeFolder = FromQt(QApplication::applicationDirPath());
   const std::string appFolder = ResolveAppFolder(home, exeFolder);
   if (!QDir(ToQt(appFolder)).exists()) QDir().mkpath(ToQt(appFolder));
+  if (!FolderIsWritable(appFolder)) {
+    // Nothing of a run would last there: say so, with the folder, instead of a silent end.
+    const std::string text = "The application folder can't be written:\n" + appFolder;
+    std::fprintf(stderr, "%s\n", text.c_str());
+    QMessageBox box(QMessageBox::Critical, QStringLiteral("Tessarin"), ToQt(text), QMessageBox::Ok);
+    box.setObjectName(QStringLiteral("FolderNotWritable"));
+    box.exec();
+    return 1;
+  }
   // A second instance ends here, silently, having written nothing.
   InstanceLock lock(appFolder);
   if (!lock.TryLock()) return 0;
@@ -80,8 +122,12 @@ int RunDesktopProgram(int argc, char** argv) {
   QtUserInterface ui(ctx);
   ctx.SetUi(&ui);
   ctx.log.SetFatalHandler([&ui](const std::string& logPath) {
-    ui.OpenDocument(logPath);
-    std::exit(1);
+    // Ends on the interface thread, never from a job's thread; with no destructors run, since
+    // a job may still be running (every file we write is whole on disk already).
+    ui.EndAfterFatal(logPath, [](int code) {
+      std::fflush(nullptr);
+      std::_Exit(code);
+    });
   });
   ShellSession session;
   UrlTables sites;

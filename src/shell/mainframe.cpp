@@ -61,7 +61,13 @@ MainFrame::MainFrame(AppContext& ctx, ShellSession& session, SiteTablesAccess si
   BuildMenu();
 }
 
-MainFrame::~MainFrame() = default;
+MainFrame::~MainFrame() {
+  // The child dialogs are destroyed by QWidget's destructor, after this frame's own members
+  // are gone: their destroyed signals must no longer reach it (they would bring the panel back
+  // into a half-destroyed frame).
+  m_closed = true;
+  for (QObject* child : children()) disconnect(child, nullptr, this, nullptr);
+}
 
 void MainFrame::RegisterPanelDialog(int entry, DialogFactory factory) {
   m_panelFactories[entry] = std::move(factory);

@@ -35,7 +35,6 @@ class MainFrame final : public QMainWindow {
   ~MainFrame() override;
 
   AppContext& Context() { return m_ctx; }
-  ShellSession& Session() { return m_session; }
   const SiteTablesAccess& Sites() const { return m_sites; }
 
   // Panel entries 0 to 6 and menu entries by their object name ("MnuRecherche"...). An entry
@@ -57,7 +56,6 @@ class MainFrame final : public QMainWindow {
   void UnloadPanel();
   MainPanel* Panel() const { return m_panel; }
   QMdiSubWindow* PanelWindow() const { return m_panelWindow; }
-  QMdiArea* Area() const { return m_area; }
 
   // What a panel entry does.
   void RunEntry(int entry);

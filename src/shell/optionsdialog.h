@@ -23,8 +23,6 @@ class OptionsDialog final : public QDialog {
   // Called after a save that changed the language, so the search dialog is built again.
   std::function<void()> LanguageChanged;
 
-  OptionsModel& Model() { return m_model; }
-
   void done(int result) override;
 
  private:

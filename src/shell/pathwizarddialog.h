@@ -21,8 +21,6 @@ class PathWizardDialog final : public QDialog {
   PathWizardDialog(QWidget* parent, AppContext& ctx, const WizardEnvironment& env);
   ~PathWizardDialog() override;
 
-  const PathWizard& Wizard() const { return *m_wizard; }
-
  private:
   void Build();
   void Show();

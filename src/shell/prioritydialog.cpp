@@ -8,9 +8,9 @@
 #include <QVBoxLayout>
 
 #include "app/context.h"
-#include "widgets/picturesui.h"
 #include "shell/priority.h"
 #include "shell/startup.h"
+#include "widgets/picturesui.h"
 #include "widgets/windowhelpersui.h"
 
 namespace tessarin {

@@ -31,15 +31,20 @@ int ReadLanguageKey(const AppContext& ctx) {
 
 StartResult StartUp(AppContext& ctx, ShellSession& session, const StartUpSteps& steps) {
   ctx.log.DeleteLog();
+  RemoveStaleTempFilesOfRun(ctx.AppFolder());
   session.PriorityChoice = 1;
   ctx.settings.InfLoad();
-  if (!FileExists(ctx.settings.FilePath())) {
+  // A first start that was cut short (the program killed at the chooser) left a settings file
+  // behind with its mark still set: the first-start steps run again until they have ended once.
+  if (!FileExists(ctx.settings.FilePath()) || ctx.settings.InfRead(kFirstStartPendingKey) == "1") {
     ctx.FirstRun = true;
     // Creates the settings file, so the frame opens maximised.
     ctx.settings.InfWrite("MDIState", 2);
+    ctx.settings.InfWrite(kFirstStartPendingKey, "1");
     if (steps.ChooseLanguage) steps.ChooseLanguage();
     ctx.messages.LoadMessages();
     if (steps.RunPathWizard) steps.RunPathWizard();
+    ctx.settings.InfWrite(kFirstStartPendingKey, "0");
   } else {
     ctx.messages.LanguageNumber = ReadLanguageKey(ctx);
   }

@@ -55,6 +55,9 @@ struct StartUpSteps {
 
 enum class StartResult { Ready, TempFolderFailed };
 
+// Set to 1 while the first-start dialogs run, 0 once they have ended.
+inline constexpr std::string_view kFirstStartPendingKey = "FirstStartPending";
+
 // The start of a run, after the single-instance test: deletes the old log, resets the priority
 // choice, reads the settings, runs the first-start dialogs when there is no settings file, loads
 // the messages, makes the folders, the temporary folder and the default skins, and loads the

@@ -4,6 +4,8 @@
 #include <cmath>
 #include <cstring>
 
+#include "core/textutil.h"
+
 namespace tessarin {
 
 namespace {
@@ -18,17 +20,6 @@ struct ReplaceState {
 ReplaceState& State() {
   thread_local ReplaceState state;
   return state;
-}
-
-// Lower-cases ASCII letters only: the search copy must keep the byte length of the source, so
-// that a match position in it is the same position in the source (bytes of UTF-8 or Windows
-// code page letters above 127 are left as they are).
-std::string LowerCopy(std::string_view text) {
-  std::string lowered(text);
-  for (char& c : lowered) {
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-  }
-  return lowered;
 }
 
 // The engine of FastReplace: `searched` is the text searched in (the source itself, or its
@@ -267,14 +258,7 @@ int VersionIndex(std::string_view text, CodeTable& table, bool /*exact*/) {
 }
 
 void FastSplitViews(std::string_view source, std::vector<std::string_view>& parts, char delimiter) {
-  parts.clear();
-  size_t start = 0;
-  for (size_t found = source.find(delimiter); found != std::string_view::npos;
-       found = source.find(delimiter, start)) {
-    parts.push_back(source.substr(start, found - start));
-    start = found + 1;
-  }
-  parts.push_back(source.substr(start));
+  SplitInto(source, delimiter, parts);
 }
 
 }  // namespace tessarin

@@ -8,6 +8,7 @@
 #include "core/fileservices.h"
 #include "core/guard.h"
 #include "core/log.h"
+#include "core/textutil.h"
 #include "core/work.h"
 
 namespace tessarin {
@@ -36,17 +37,10 @@ bool NextLine(std::string_view text, size_t& pos, std::string_view& line) {
   return true;
 }
 
-std::string_view TrimBlanksView(std::string_view text) {
-  const size_t first = text.find_first_not_of(' ');
-  if (first == std::string_view::npos) return {};
-  const size_t last = text.find_last_not_of(' ');
-  return text.substr(first, last - first + 1);
-}
-
 // The two clean-ups of a record before it is written; changes the record in the store.
 void CleanRecord(std::string& record) {
   if (!record.empty() && record.front() == ' ') {
-    record = std::string(TrimBlanksView(record));
+    record = std::string(TrimBlanks(record));
   }
   if (record.find(" ;B") != std::string::npos) {
     record = FastReplace(record, " ;B", ";B", 1, kAllMatches, 0);

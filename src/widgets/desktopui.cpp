@@ -10,7 +10,14 @@
 
 namespace tessarin {
 
-QtUserInterface::QtUserInterface(AppContext& ctx) : m_ctx(ctx) {}
+bool OpenWithDesktop(const std::string& pathOrAddress) {
+  const QString target = ToQt(pathOrAddress);
+  const bool isAddress = target.contains(QStringLiteral("://"));
+  return QDesktopServices::openUrl(isAddress ? QUrl(target) : QUrl::fromLocalFile(target));
+}
+
+QtUserInterface::QtUserInterface(AppContext& ctx, DocumentOpener opener)
+    : m_ctx(ctx), m_opener(std::move(opener)) {}
 
 void QtUserInterface::OnUiThread(const std::function<void()>& call) {
   if (QThread::currentThread() == thread()) {
@@ -90,15 +97,25 @@ std::string QtUserInterface::ChooseFile(const std::string& title, const std::str
 }
 
 void QtUserInterface::OpenDocument(const std::string& pathOrAddress) {
-  OnUiThread([&] {
-    if (OpenHook) {
-      OpenHook(pathOrAddress);
-      return;
-    }
-    const QString target = ToQt(pathOrAddress);
-    const bool isAddress = target.contains(QStringLiteral("://"));
-    QDesktopServices::openUrl(isAddress ? QUrl(target) : QUrl::fromLocalFile(target));
-  });
+  bool opened = false;
+  OnUiThread([&] { opened = m_opener && m_opener(pathOrAddress); });
+  // Without a program for it the user would see nothing happen: say which file it was.
+  if (!opened) {
+    ShowMessage(false, "No program of the desktop opens this file:|" + pathOrAddress, {},
+                Icon::Warning);
+  }
+}
+
+void QtUserInterface::EndAfterFatal(const std::string& logPath, std::function<void(int)> end) {
+  auto stop = [this, logPath, end = std::move(end)] {
+    OpenDocument(logPath);
+    end(1);
+  };
+  if (QThread::currentThread() == thread()) {
+    stop();
+    return;
+  }
+  QMetaObject::invokeMethod(this, std::move(stop), Qt::QueuedConnection);
 }
 
 }  // namespace tessarin

@@ -13,12 +13,19 @@ namespace tessarin {
 
 class AppContext;
 
+// Opens a document, a folder or an address in the desktop's own program; false when nothing
+// would take it.
+using DocumentOpener = std::function<bool(const std::string& pathOrAddress)>;
+// The desktop's opener (QDesktopServices).
+bool OpenWithDesktop(const std::string& pathOrAddress);
+
 // The desktop's way of speaking to the user. Safe to call from any thread: a call from a worker
 // thread is carried to the interface thread, and the worker waits for the answer there.
 class QtUserInterface final : public QObject, public UserInterface {
   Q_OBJECT
  public:
-  explicit QtUserInterface(AppContext& ctx);
+  // `opener` opens documents; tests give one that only notes what it was asked.
+  explicit QtUserInterface(AppContext& ctx, DocumentOpener opener = OpenWithDesktop);
 
   // The window that owns the boxes (the frame, once it exists).
   void SetOwner(QWidget* owner) { m_owner = owner; }
@@ -30,8 +37,10 @@ class QtUserInterface final : public QObject, public UserInterface {
                          const std::string& filter, bool save) override;
   void OpenDocument(const std::string& pathOrAddress) override;
 
-  // Tests set this to see the documents the program opens instead of starting a viewer.
-  std::function<void(const std::string&)> OpenHook;
+  // The end of a run after its sixth failure: opens the log and calls `end` with status 1, on
+  // the interface thread. Called from a worker thread it hands both over to the interface thread
+  // and returns, so that nothing ends the program from a thread that isn't its own.
+  void EndAfterFatal(const std::string& logPath, std::function<void(int)> end);
 
   // While a job runs under the working dialog, the messages it shows from its thread wait, and
   // come after the working dialog has gone: an end-of-operation message must not sit under or
@@ -51,6 +60,7 @@ class QtUserInterface final : public QObject, public UserInterface {
   };
 
   AppContext& m_ctx;
+  DocumentOpener m_opener;
   QPointer<QWidget> m_owner;
   std::mutex m_heldMutex;
   int m_holding = 0;

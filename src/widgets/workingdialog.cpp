@@ -179,8 +179,8 @@ bool RunWithWorkingDialog(QWidget* parent, AppContext& ctx, const std::string& l
   WorkingDialog dialog(parent, ctx, work, ToQt(label), showCancel);
   // The job's own boundary, with a number of its own: the log then doesn't blame whichever
   // routine happened to set the tracking number last.
-  QThread* thread = QThread::create(
-      [&] { RunGuarded(ctx.log, kWorkingJobTrackPoint, [&] { job(work); }); });
+  QThread* thread =
+      QThread::create([&] { RunGuarded(ctx.log, kWorkingJobTrackPoint, [&] { job(work); }); });
   QObject::connect(thread, &QThread::finished, &dialog, &WorkingDialog::Finish,
                    Qt::QueuedConnection);
   thread->start();

@@ -3,6 +3,7 @@
 #include <fstream>
 #include <system_error>
 
+#include "core/textutil.h"
 #include "zipworker/zipclass.h"
 
 namespace tessarin::myzip {
@@ -11,29 +12,24 @@ namespace fs = std::filesystem;
 
 namespace {
 
-std::string_view Trim(std::string_view text) {
-  const auto blank = [](char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; };
-  while (!text.empty() && blank(text.front())) text.remove_prefix(1);
-  while (!text.empty() && blank(text.back())) text.remove_suffix(1);
-  return text;
+fs::path InFolder(const std::string& folder, const char* name) {
+  return PathFromText(folder) / name;
 }
-
-fs::path InFolder(const std::string& folder, const char* name) { return WorkerPath(folder) / name; }
 
 }  // namespace
 
 bool ParseJob(std::string_view job, std::string& zipPath, std::string& fileSpec) {
   zipPath.clear();
   fileSpec.clear();
-  std::string_view text = Trim(job);
-  if (!text.empty() && text.front() == '|') text = Trim(text.substr(1));
+  std::string_view text = TrimWhite(job);
+  if (!text.empty() && text.front() == '|') text = TrimWhite(text.substr(1));
   if (!text.empty() && text.back() == '"') text.remove_suffix(1);
   if (!text.empty() && text.front() == '"') text.remove_prefix(1);
   std::size_t cut = text.find('>');
   if (cut == std::string_view::npos) cut = text.find(',');
   if (cut == std::string_view::npos) return false;
-  zipPath = std::string(Trim(text.substr(0, cut)));
-  fileSpec = std::string(Trim(text.substr(cut + 1)));
+  zipPath = std::string(TrimWhite(text.substr(0, cut)));
+  fileSpec = std::string(TrimWhite(text.substr(cut + 1)));
   return true;
 }
 
@@ -43,7 +39,7 @@ int RunWorker(std::string_view commandLine, const std::string& workerFolder) {
   const fs::path feedback = InFolder(workerFolder, kFeedbackFile);
   fs::remove(feedback, ec);
 
-  std::string job(Trim(commandLine));
+  std::string job(TrimWhite(commandLine));
   bool fromFile = false;
   bool written = false;
   int count = 0;
@@ -56,7 +52,7 @@ int RunWorker(std::string_view commandLine, const std::string& workerFolder) {
       std::getline(file, line);
       const std::size_t end = line.find_first_of("\r\n");
       if (end != std::string::npos) line.resize(end);
-      job = std::string(Trim(line));
+      job = std::string(TrimWhite(line));
       if (!job.empty()) {
         fromFile = true;
         run = true;

@@ -8,6 +8,8 @@
 #include <fstream>
 #include <system_error>
 
+#include "core/textutil.h"
+
 namespace tessarin::myzip {
 
 namespace fs = std::filesystem;
@@ -16,34 +18,6 @@ namespace {
 
 constexpr std::size_t kBlockSize = 256 * 1024;
 constexpr std::uint64_t kMax32 = 0xffffffffu;
-
-char Lower(char c) { return (c >= 'A' && c <= 'Z') ? static_cast<char>(c - 'A' + 'a') : c; }
-
-bool Match(std::string_view name, std::string_view pattern) {
-  // Iterative wildcard match with one back-tracking point, linear in practice.
-  std::size_t n = 0, p = 0, starP = std::string_view::npos, starN = 0;
-  while (n < name.size()) {
-    if (p < pattern.size() && (pattern[p] == '?' || Lower(pattern[p]) == Lower(name[n]))) {
-      ++n;
-      ++p;
-    } else if (p < pattern.size() && pattern[p] == '*') {
-      starP = p++;
-      starN = n;
-    } else if (starP != std::string_view::npos) {
-      p = starP + 1;
-      n = ++starN;
-    } else {
-      return false;
-    }
-  }
-  while (p < pattern.size() && pattern[p] == '*') ++p;
-  return p == pattern.size();
-}
-
-std::string Utf8(const fs::path& path) {
-  const std::u8string text = path.u8string();
-  return std::string(text.begin(), text.end());
-}
 
 void DosStamp(const fs::path& path, std::uint16_t& date, std::uint16_t& time) {
   date = 0x21;
@@ -224,17 +198,7 @@ bool StoreFile(const fs::path& source, Output& out, Written& w, std::string& in)
 
 bool MatchesPattern(std::string_view name, std::string_view pattern) {
   if (pattern == "*.*" || pattern == "*") return true;
-  return Match(name, pattern);
-}
-
-fs::path WorkerPath(std::string_view text) {
-  std::u8string utf8(text.begin(), text.end());
-#ifndef _WIN32
-  for (char8_t& c : utf8) {
-    if (c == u8'\\') c = u8'/';
-  }
-#endif
-  return fs::path(utf8);
+  return WildcardMatch(pattern, name);
 }
 
 int ZipClass::FileAdd(std::string_view fileSpec, int pathChoice, bool recurseDirectories) {
@@ -242,7 +206,7 @@ int ZipClass::FileAdd(std::string_view fileSpec, int pathChoice, bool recurseDir
   const std::string folderText =
       cut == std::string_view::npos ? std::string(".") : std::string(fileSpec.substr(0, cut + 1));
   const std::string pattern(cut == std::string_view::npos ? fileSpec : fileSpec.substr(cut + 1));
-  const fs::path start = WorkerPath(folderText);
+  const fs::path start = PathFromText(folderText);
   std::error_code ec;
   if (pattern.empty() || !fs::is_directory(start, ec)) return 0;
 
@@ -262,7 +226,7 @@ int ZipClass::FileAdd(std::string_view fileSpec, int pathChoice, bool recurseDir
     });
     std::vector<std::pair<fs::path, std::string>> subfolders;
     for (const fs::directory_entry& entry : entries) {
-      const std::string name = Utf8(entry.path().filename());
+      const std::string name = TextFromPath(entry.path().filename());
       std::error_code e;
       if (entry.is_directory(e) && !entry.is_symlink(e)) {
         if (recurseDirectories) subfolders.emplace_back(entry.path(), prefix + name + '/');
@@ -291,7 +255,7 @@ bool ZipClass::FileDel(int index) {
 
 bool ZipClass::WriteZip(const std::string& path) {
   m_sizeCompressed = m_sizeUncompressed = 0;
-  const fs::path target = WorkerPath(path);
+  const fs::path target = PathFromText(path);
   std::error_code ec;
   fs::remove(target, ec);
   Output out(target);

@@ -52,7 +52,5 @@ class ZipClass final {
 
 // True when `name` matches `pattern` (* and ?, case ignored; "*.*" matches everything).
 bool MatchesPattern(std::string_view name, std::string_view pattern);
-// A path given as UTF-8 text with '\' or '/' between folders, in the platform's form.
-std::filesystem::path WorkerPath(std::string_view text);
 
 }  // namespace tessarin::myzip

@@ -669,4 +669,70 @@ TEST(ZipReaderForeign, Zip64PastFourGigabytes) {
 }
 
 }  // namespace
+TEST(ZipReader, EntriesThatShareTheirBytesAreRefused) {
+  TempFolder tmp("zr-overlap");
+  const std::string text(5000, 'z');
+  RawZip raw;
+  raw.Add("one.txt", text, true);
+  // A second entry on the first one's local header: the same bytes written twice.
+  raw.Add("two.txt", text, true).offsetOverride = 0;
+  raw.Write(tmp / "bomb.zip");
+  ZipExtractionClass zip;
+  Recorder rec;
+  rec.Attach(zip);
+  EXPECT_FALSE(zip.ZipOpen(tmp / "bomb.zip"));
+  EXPECT_FALSE(zip.ZipIsOpen());
+  EXPECT_EQ(zip.FileCount(), 0);
+  ASSERT_EQ(rec.errors.size(), 1u);
+  EXPECT_EQ(rec.errors[0].first, kZipOverlapping);
+  EXPECT_NE(rec.errors[0].second.find("bomb.zip"), std::string::npos);
+}
+
+TEST(ZipReader, AnExtractionThatWouldNotFitStopsWithAClearError) {
+  TempFolder tmp("zr-space");
+  RawZip raw;
+  raw.Add("a.txt", std::string(600, 'a'), true);
+  raw.Add("b.txt", std::string(600, 'b'), true);
+  raw.Write(tmp / "t.zip");
+  ZipExtractionClass zip;
+  Recorder rec;
+  rec.Attach(zip);
+  std::vector<std::string> logged;
+  zip.LogLine = [&](const std::string& line) { logged.push_back(line); };
+  zip.FreeSpace = [](const fs::path&) -> std::uint64_t { return 1000; };
+  ASSERT_TRUE(zip.ZipOpen(tmp / "t.zip"));
+  EXPECT_FALSE(zip.ExtractAllFiles(tmp / "out", true, true));
+  EXPECT_TRUE(ListTree(tmp.Path() / "out").empty());
+  ASSERT_EQ(rec.errors.size(), 1u);
+  EXPECT_EQ(rec.errors[0].first, kZipNoSpace);
+  EXPECT_NE(rec.errors[0].second.find("1200 octets > 1000"), std::string::npos);
+  ASSERT_EQ(logged.size(), 1u);
+  // One entry alone fits.
+  rec.errors.clear();
+  EXPECT_TRUE(zip.ExtractSingleFile(1, tmp / "out", true, true));
+  EXPECT_EQ(ListTree(tmp.Path() / "out"), (std::vector<std::string>{"a.txt"}));
+}
+
+#ifndef _WIN32
+TEST(ZipReader, ALinkInsideTheDestinationIsNotFollowedOutOfIt) {
+  TempFolder tmp("zr-link");
+  fs::create_directories(tmp.Path() / "out");
+  fs::create_directories(tmp.Path() / "elsewhere");
+  fs::create_directory_symlink(tmp.Path() / "elsewhere", tmp.Path() / "out/link");
+  RawZip raw;
+  raw.Add("link/evil.txt", "evil", false);
+  raw.Add("fine/good.txt", "good", false);
+  raw.Write(tmp / "t.zip");
+  ZipExtractionClass zip;
+  Recorder rec;
+  rec.Attach(zip);
+  ASSERT_TRUE(zip.ZipOpen(tmp / "t.zip"));
+  EXPECT_TRUE(zip.ExtractAllFiles(tmp / "out", true, true));
+  EXPECT_FALSE(fs::exists(tmp.Path() / "elsewhere/evil.txt"));
+  EXPECT_TRUE(fs::exists(tmp.Path() / "out/fine/good.txt"));
+  ASSERT_EQ(rec.errors.size(), 1u);
+  EXPECT_EQ(rec.errors[0].first, kZipUnsafeName);
+}
+#endif
+
 }  // namespace tessarin

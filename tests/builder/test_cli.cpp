@@ -4,6 +4,9 @@
 #include <QProcessEnvironment>
 #include <QStringList>
 #include <QTemporaryDir>
+#include <QThread>
+#include <chrono>
+#include <csignal>
 #include <filesystem>
 
 #include "buildertestsupport.h"
@@ -185,6 +188,116 @@ TEST_F(Cli, SettingsGetAndSet) {
   const CliResult got = RunCli(With({"get", "Frm7Skin"}));
   EXPECT_EQ(got.exitCode, 0);
   EXPECT_EQ(got.out, "Blue sky\n");
+}
+
+TEST_F(Cli, VersionIsShownAndWritesNothing) {
+  const CliResult version = RunCli(With({"--version"}));
+  EXPECT_EQ(version.exitCode, 0);
+  EXPECT_EQ(version.out.rfind("tessarin-cli ", 0), 0u) << version.out;
+  EXPECT_NE(version.out.find_first_of("0123456789"), std::string::npos) << version.out;
+  EXPECT_TRUE(std::filesystem::is_empty(Home()));
+}
+
+TEST_F(Cli, SetOfAnUnknownKeyWarnsAndStillWrites) {
+  const CliResult unknown = RunCli(With({"set", "MyOwnKey", "42"}));
+  EXPECT_EQ(unknown.exitCode, 0);
+  EXPECT_NE(unknown.err.find("MyOwnKey"), std::string::npos) << unknown.err;
+  EXPECT_NE(unknown.err.find("Warning"), std::string::npos) << unknown.err;
+  EXPECT_EQ(RunCli(With({"get", "MyOwnKey"})).out, "42\n");
+  // A known key, in any case, is written without a word.
+  const CliResult known = RunCli(With({"set", "datafile2", "/data/history.dat"}));
+  EXPECT_EQ(known.exitCode, 0);
+  EXPECT_EQ(known.err, "");
+}
+
+TEST_F(Cli, SetHelpListsEveryKnownKeyWithItsMeaning) {
+  const CliResult help = RunCli({"set", "--help"});
+  EXPECT_EQ(help.exitCode, 0);
+  for (int n = 1; n <= 17; ++n) {
+    EXPECT_NE(help.out.find("DataFile" + std::to_string(n) + ": "), std::string::npos) << n;
+  }
+  for (const char* text : {"DataFile1: the emulator", "DataFile17: Version.ini",
+                           "RomPath: ", "SnapPath: ", "TitlesPath: ", "FlyersPath: "}) {
+    EXPECT_NE(help.out.find(text), std::string::npos) << text << help.out;
+  }
+}
+
+TEST_F(Cli, InterruptWhileTheEmulatorRunsEndsItAtOnce) {
+  QProcess process;
+  QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+  environment.insert(QStringLiteral("TESSARIN_FAKE_HANG"), QStringLiteral("stubborn"));
+  process.setProcessEnvironment(environment);
+  process.setStandardInputFile(QProcess::nullDevice());
+  QStringList args;
+  for (const std::string& a : With({"build", "--emulator", BuilderFixture("cli/fake-mame.sh")})) {
+    args << QString::fromStdString(a);
+  }
+  process.start(QStringLiteral(TESSARIN_CLI_PATH), args);
+  ASSERT_TRUE(process.waitForStarted(30000));
+  // The list has begun (and hangs) once its temporary file exists.
+  const std::string data = Home() + "/DataFiles";
+  const auto started = [&] {
+    std::error_code ec;
+    return std::filesystem::exists(data, ec) && !std::filesystem::is_empty(data, ec);
+  };
+  for (int i = 0; i < 200 && !started(); ++i) QThread::msleep(50);
+  ASSERT_TRUE(started());
+  QThread::msleep(200);
+  const auto start = std::chrono::steady_clock::now();
+  ::kill(static_cast<pid_t>(process.processId()), SIGINT);
+  ASSERT_TRUE(process.waitForFinished(20000));
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10));
+  EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
+  EXPECT_EQ(process.exitCode(), 1);
+  EXPECT_FALSE(std::filesystem::exists(IndexFilePath(Home())));
+  // Nothing half-written is left: no dump, no temporary file.
+  EXPECT_TRUE(std::filesystem::is_empty(data));
+}
+
+TEST_F(Cli, ACutListIsToldAndAsksBeforeReplacingALargerDatabase) {
+  Build();
+  const std::string index = ReadBytes(IndexFilePath(Home()));
+  const std::string whole = ReadBytes(BuilderFixture("dumps/machine_lf.xml"));
+  const std::string cut = Home() + "/cut.xml";
+  size_t at = 0;
+  for (int i = 0; i < 3; ++i) at = whole.find("<machine", at + 1);
+  WriteBytes(cut, whole.substr(0, at + 40));
+  // The rebuild's own question is answered on the terminal, so none can be: no --yes, no.
+  const CliResult refused = RunCli(With({"build", "--dump", cut}));
+  EXPECT_EQ(refused.exitCode, 1);
+  EXPECT_EQ(ReadBytes(IndexFilePath(Home())), index);
+  const CliResult asked = RunCli(With({"--yes", "build", "--dump", cut}));
+  EXPECT_NE((asked.out + asked.err).find("cut short"), std::string::npos) << asked.out << asked.err;
+  EXPECT_NE(asked.err.find("games; the cut list gives"), std::string::npos) << asked.err;
+  EXPECT_EQ(asked.exitCode, 0) << asked.err;
+}
+
+TEST_F(Cli, BuildFromAFileThatIsNoListSaysWhyAndLeavesNothing) {
+  Build();
+  const std::string index = ReadBytes(IndexFilePath(Home()));
+  const std::string dump = ReadBytes(Home() + "/DataFiles/listxml");
+  const std::string text = Home() + "/notes.txt";
+  WriteBytes(text, "Some notes of mine\nand nothing else\n");
+  const std::string binary = Home() + "/program";
+  WriteBytes(binary, std::string("\x7f"
+                                 "ELF\0\0\0<mame build>",
+                                 16) +
+                         std::string(4096, 'x'));
+  for (const std::string& file : {text, binary}) {
+    const CliResult built = RunCli(With({"--yes", "build", "--dump", file}));
+    EXPECT_EQ(built.exitCode, 1) << file;
+    const std::string said = built.out + built.err;
+    EXPECT_NE(said.find(file), std::string::npos) << said;
+    EXPECT_NE(said.find(file == binary ? "binary file" : "holds no game list"), std::string::npos)
+        << said;
+    EXPECT_EQ(said.find("gave nothing"), std::string::npos) << said;
+    // The database and its dump are as they were, and nothing was added beside them.
+    EXPECT_EQ(ReadBytes(IndexFilePath(Home())), index);
+    EXPECT_EQ(ReadBytes(Home() + "/DataFiles/listxml"), dump);
+    EXPECT_FALSE(std::filesystem::exists(Home() + "/DataFiles/listinfo"));
+  }
+  // A folder is refused before anything starts.
+  EXPECT_EQ(RunCli(With({"--yes", "build", "--dump", Home()})).exitCode, 2);
 }
 
 TEST_F(Cli, ScanRomsMarksTheGamesFound) {

@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "builder/inianalysers.h"
 #include "app/context.h"
+#include "builder/inianalysers.h"
 #include "store/faststrings.h"
 #include "store/gamerecord.h"
 #include "test_datanalysers_fixture.h"

@@ -197,6 +197,45 @@ TEST(Pipeline, MameinfoWithoutVersionLinesLeavesTheVersionsToWizsort) {
   EXPECT_EQ(home.ctx.log.BugCount(), 1);
 }
 
+// The list as a "head -c" leaves it: cut in the middle of a game, with no closing </mame>.
+std::string CutList() {
+  const std::string whole = ReadBytes(BuilderFixture("dumps/machine_lf.xml"));
+  size_t at = 0;
+  for (int i = 0; i < 3; ++i) at = whole.find("<machine", at + 1);
+  return whole.substr(0, at + 40);
+}
+
+TEST(Pipeline, ACutListIsToldAndDoesntReplaceALargerDatabaseWithoutAYes) {
+  TestHome home;
+  PutDump(home, "dumps/machine_lf.xml", DefaultListXmlPath(home.Folder()));
+  Work work;
+  ASSERT_TRUE(BuildDatabase(home.ctx, work));
+  ASSERT_EQ(home.ctx.store.GameCount(), 5);
+  EXPECT_TRUE(home.ui.messages.empty());  // a whole list says nothing
+  const std::string index = ReadBytes(IndexFilePath(home.Folder()));
+
+  WriteBytes(DefaultListXmlPath(home.Folder()), CutList());
+  home.ui.answers.push_back(false);
+  EXPECT_FALSE(BuildDatabase(home.ctx, work));
+  // The import keeps what it read (the third game's line is there, cut), and says the list was
+  // cut, in the log and to the user.
+  EXPECT_EQ(home.ctx.store.GameCount(), 3);
+  ASSERT_EQ(home.ui.messages.size(), 1u);
+  EXPECT_NE(home.ui.messages[0].text.find("cut short"), std::string::npos)
+      << home.ui.messages[0].text;
+  EXPECT_NE(ReadBytes(home.ctx.log.LogPath()).find("cut short"), std::string::npos);
+  ASSERT_EQ(home.ui.questions.size(), 1u);
+  EXPECT_NE(home.ui.questions[0].find("5 games"), std::string::npos) << home.ui.questions[0];
+  EXPECT_EQ(ReadBytes(IndexFilePath(home.Folder())), index);
+
+  // A yes replaces it.
+  home.ui.answers.push_back(true);
+  EXPECT_TRUE(BuildDatabase(home.ctx, work));
+  GameStore loaded;
+  ASSERT_TRUE(LoadIndex(loaded, home.ctx.log, IndexFilePath(home.Folder())));
+  EXPECT_EQ(loaded.GameCount(), 3);
+}
+
 TEST(Pipeline, CatverGivesOnlyVersionsInABuild) {
   for (const bool withCatlist : {false, true}) {
     TestHome home;

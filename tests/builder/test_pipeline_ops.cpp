@@ -1,7 +1,9 @@
 #include <gtest/gtest.h>
 
 #include <QByteArray>
+#include <chrono>
 #include <filesystem>
+#include <thread>
 
 #include "builder/databaseops.h"
 #include "buildertestsupport.h"
@@ -332,10 +334,38 @@ TEST(DatabaseOps, ACancelGivenBeforeTheStartIsKept) {
   EXPECT_FALSE(FileExists(IndexFilePath(home.Folder())));
 }
 
+// A cancel while the emulator prints its list ends the emulator at once (asked to end, then
+// killed when it won't): the job doesn't wait for a list of hundreds of megabytes.
+TEST(DatabaseOps, ACancelEndsTheEmulatorAtOnce) {
+  for (const char* hang : {"1", "stubborn"}) {
+    TestHome home;
+    home.ctx.settings.InfWrite("DataFile1", kFakeEmulator);
+    WriteBytes(IndexFilePath(home.Folder()), "old\r\n");
+    EnvVar hanging("TESSARIN_FAKE_HANG", hang);
+    home.ui.defaultAnswer = true;
+    Work work;
+    std::thread canceller([&] {
+      std::this_thread::sleep_for(std::chrono::milliseconds(400));
+      work.CancelRequested = true;
+    });
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_FALSE(CreateDatabase(home.ctx, work)) << hang;
+    const auto seconds =
+        std::chrono::duration_cast<std::chrono::seconds>(std::chrono::steady_clock::now() - start)
+            .count();
+    canceller.join();
+    EXPECT_LT(seconds, 10) << hang;
+    EXPECT_EQ(ReadBytes(IndexFilePath(home.Folder())), "old\r\n");
+    // A cancel is no failure to report.
+    EXPECT_TRUE(home.ui.messages.empty());
+  }
+}
+
 TEST(DatabaseOps, PathsAreWrittenUnderTheKeysDataFileN) {
   TestHome home;
   DataFilePaths paths;
-  for (int n = 1; n <= kDataFileCount; ++n) paths[static_cast<size_t>(n)] = "/p" + std::to_string(n);
+  for (int n = 1; n <= kDataFileCount; ++n)
+    paths[static_cast<size_t>(n)] = "/p" + std::to_string(n);
   SavePaths(home.ctx, paths, {});
   const std::string settings = ReadBytes(home.ctx.settings.FilePath());
   for (int n = 1; n <= kDataFileCount; ++n) {

@@ -3,8 +3,10 @@
 #include <gtest/gtest.h>
 
 #include <QtGlobal>
+#include <atomic>
 #include <chrono>
 #include <random>
+#include <thread>
 
 #include "core_test_support.h"
 
@@ -340,6 +342,32 @@ TEST_F(FileServicesTest, RunAndWaitWaitsForTheEnd) {
   EXPECT_EQ(RunAndWait(folder / "slow.sh", {folder / "flag"}), 5);
   EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(350));
   EXPECT_EQ(ReadFile(folder / "flag"), "done\n");
+}
+
+TEST_F(FileServicesTest, RunAndWaitEndsTheProgramOnACancel) {
+  // One program ends when asked; the other ignores the request and is killed after the grace.
+  WriteScript(folder / "polite.sh", "exec sleep 30");
+  WriteScript(folder / "stubborn.sh", "trap '' TERM\nexec sleep 30");
+  for (const char* name : {"polite.sh", "stubborn.sh"}) {
+    std::atomic<bool> cancel{false};
+    RunOptions options;
+    options.cancel = &cancel;
+    options.cancelGraceMilliseconds = 300;
+    std::thread canceller([&] {
+      std::this_thread::sleep_for(std::chrono::milliseconds(300));
+      cancel = true;
+    });
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_EQ(RunAndWait(folder / name, {}, options), kRunCancelled) << name;
+    canceller.join();
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5)) << name;
+  }
+  // Without a cancel the flag changes nothing.
+  std::atomic<bool> never{false};
+  RunOptions options;
+  options.cancel = &never;
+  WriteScript(folder / "five.sh", "sleep 0.2\nexit 5");
+  EXPECT_EQ(RunAndWait(folder / "five.sh", {}, options), 5);
 }
 
 TEST_F(FileServicesTest, RunAndWaitOfAMissingProgramIsNegative) {

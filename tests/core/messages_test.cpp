@@ -4,9 +4,9 @@
 
 #include <regex>
 
-#include "core/version.h"
 #include "core/log.h"
 #include "core/settings.h"
+#include "core/version.h"
 #include "core_test_support.h"
 
 namespace tessarin {

@@ -5,8 +5,8 @@
 #include "app/context.h"
 #include "shell/panelcursor.h"
 #include "shell/priority.h"
-#include "widgets/windowrules.h"
 #include "shell_test_support.h"
+#include "widgets/windowrules.h"
 
 namespace tessarin {
 namespace {

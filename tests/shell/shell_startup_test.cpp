@@ -1,7 +1,9 @@
 // Start-up and close, the notes file, the language choice, the options and the path wizard.
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <filesystem>
+#include <stdexcept>
 
 #include "core/fileservices.h"
 #include "core/work.h"
@@ -60,6 +62,52 @@ TEST(StartUp, FirstStartRunsChooserThenWizardInTheChosenLanguage) {
   EXPECT_TRUE(FolderExists(t.Path("HTML")));
   EXPECT_TRUE(FileExists(t.Path("HTML/help.htm")));
   EXPECT_TRUE(FolderExists(t.ctx.TempFolder));
+}
+
+TEST(StartUp, AFirstStartCutShortRunsItsDialogsAgain) {
+  TestContext t;
+  ShellSession session;
+  // The program is killed while the chooser is open (here: the step never comes back).
+  StartUpSteps killed;
+  killed.ChooseLanguage = [] { throw std::runtime_error("killed at the chooser"); };
+  EXPECT_THROW(StartUp(t.ctx, session, killed), std::runtime_error);
+  ASSERT_TRUE(FileExists(t.ctx.settings.FilePath()));
+
+  TestContext again;
+  std::filesystem::copy_file(t.ctx.settings.FilePath(), again.ctx.settings.FilePath());
+  StepRecorder recorder;
+  ASSERT_EQ(StartUp(again.ctx, session, recorder.Steps(again.ctx, Messages::kEnglish)),
+            StartResult::Ready);
+  EXPECT_TRUE(again.ctx.FirstRun);
+  EXPECT_EQ(recorder.calls,
+            (std::vector<std::string>{"language", "wizard:Working...", "index", "urls"}));
+
+  // Once they have ended, the next start is a normal one.
+  TestContext third;
+  std::filesystem::copy_file(again.ctx.settings.FilePath(), third.ctx.settings.FilePath());
+  StepRecorder normal;
+  StartUp(third.ctx, session, normal.Steps(third.ctx, Messages::kEnglish));
+  EXPECT_FALSE(third.ctx.FirstRun);
+  EXPECT_EQ(normal.calls, (std::vector<std::string>{"index", "urls"}));
+}
+
+TEST(StartUp, StaleTemporaryFilesOfAKilledRunAreRemoved) {
+  TestContext t;
+  WriteFile(t.Path("Tessarin.inf"), "Language=1\r\n");
+  std::filesystem::create_directories(t.Path("DataFiles"));
+  const std::string stale = t.Path("DataFiles/index.ab12cd0.tessarin-tmp");
+  const std::string fresh = t.Path("Tessarin.inf.ef34gh1.tessarin-tmp");
+  const std::string mine = t.Path("DataFiles/index.bak");
+  WriteFile(stale, "half an index");
+  WriteFile(fresh, "being written");
+  WriteFile(mine, "the user's");
+  std::filesystem::last_write_time(
+      stale, std::filesystem::file_time_type::clock::now() - std::chrono::hours(1));
+  ShellSession session;
+  StartUp(t.ctx, session, {});
+  EXPECT_FALSE(FileExists(stale));
+  EXPECT_TRUE(FileExists(fresh));  // another run may still be writing it
+  EXPECT_TRUE(FileExists(mine));
 }
 
 TEST(StartUp, NormalStartReadsTheLanguageAndSkipsTheDialogs) {

@@ -47,6 +47,10 @@ class ScriptedUi final : public UserInterface {
     return {};
   }
   void OpenDocument(const std::string& path) override { opened.push_back(path); }
+  void HoldJobMessages() override { ++holds; }
+  void ReleaseJobMessages() override { ++releases; }
+  int holds = 0;
+  int releases = 0;
 };
 
 // A context in a temporary folder, with the English messages and a scripted front end.

@@ -20,8 +20,11 @@
 #include <atomic>
 #include <filesystem>
 #include <functional>
+#include <stdexcept>
+#include <thread>
 
 #include "core/fileservices.h"
+#include "core/guard.h"
 #include "core/work.h"
 #include "shell/aboutdialog.h"
 #include "shell/desktopshellui.h"
@@ -109,16 +112,17 @@ void Shot(QWidget* widget, const QString& name) {
 struct DesktopRun {
   TempFolder folder;
   AppContext ctx{folder.Path()};
-  QtUserInterface ui{ctx};
+  std::vector<std::string> opened;
+  // Documents are noted instead of opened in a viewer.
+  QtUserInterface ui{ctx, [this](const std::string& path) {
+                       opened.push_back(path);
+                       return true;
+                     }};
   ShellSession session;
   UrlTables sites;
   std::unique_ptr<MainFrame> frame;
-  std::vector<std::string> opened;
 
-  DesktopRun() {
-    ctx.SetUi(&ui);
-    ui.OpenHook = [this](const std::string& path) { opened.push_back(path); };
-  }
+  DesktopRun() { ctx.SetUi(&ui); }
   ~DesktopRun() {
     if (frame) frame->close();
     frame.reset();
@@ -334,6 +338,32 @@ TEST(DesktopStart, HelpAndThanksMenusOpenTheirPages) {
   EXPECT_FALSE(run.frame->isVisible());
   EXPECT_EQ(run.StoredKey("MDIState"), "0");
   EXPECT_NE(run.StoredKey("MDILeft"), "-1");
+}
+
+TEST(DesktopStart, AFrameDestroyedWithADialogOpenDoesntBringThePanelBack) {
+  DesktopRun run;
+  WriteFile(run.Path("Tessarin.inf"), "Language=1\r\nMDIState=0\r\n");
+  run.Start();
+  run.frame->RegisterPanelDialog(1, [](MainFrame& frame) {
+    auto* dialog = new QDialog(&frame);
+    dialog->setObjectName(QStringLiteral("Form3"));
+    return dialog;
+  });
+  QTest::mouseClick(Child<QLabel>(run.frame->Panel(), "Title_1"), Qt::LeftButton);
+  QPointer<QDialog> dialog;
+  ASSERT_TRUE(WaitFor([&] {
+    dialog = run.frame->findChild<QDialog*>(QStringLiteral("Form3"));
+    return dialog != nullptr;
+  }));
+  ASSERT_EQ(run.frame->Panel(), nullptr);
+  // The frame goes without a close (as at the end of a run that is being torn down): its
+  // dialog goes with it, and its "destroyed" signal reaches no part of the gone frame: no
+  // panel is made again for it.
+  run.frame.reset();
+  EXPECT_TRUE(dialog.isNull());
+  for (QWidget* top : QApplication::allWidgets()) {
+    EXPECT_EQ(qobject_cast<MainPanel*>(top), nullptr);
+  }
 }
 
 TEST(DesktopStart, RegisteredDialogEnablesItsEntryAndBringsThePanelBack) {
@@ -660,6 +690,31 @@ TEST(WorkingDialog, JobMessageComesAfterTheWorkingDialogHasGone) {
   ctx.SetUi(nullptr);
 }
 
+TEST(WorkingDialog, AnyInterfaceHoldsTheJobsMessages) {
+  // The dialog speaks to the interface it is given, whatever its class.
+  WorkingFixture f;
+  EXPECT_TRUE(RunWithWorkingDialog(nullptr, f.ctx, "x", [&](Work&) {
+    EXPECT_EQ(f.ui.holds, 1);
+    EXPECT_EQ(f.ui.releases, 0);
+  }));
+  EXPECT_EQ(f.ui.holds, 1);
+  EXPECT_EQ(f.ui.releases, 1);
+}
+
+TEST(WorkingDialog, AFailingJobIsLoggedUnderTheDialogsOwnNumber) {
+  WorkingFixture f;
+  f.ctx.log.SetFatalHandler([](const std::string&) {});
+  f.ctx.log.SetTrackPoint(4242);  // whatever ran before
+  EXPECT_TRUE(RunWithWorkingDialog(nullptr, f.ctx, "x",
+                                   [&](Work&) { throw std::runtime_error("broken job"); }));
+  EXPECT_EQ(f.ctx.log.BugCount(), 1);
+  const std::string log = ReadFile(f.ctx.log.LogPath());
+  EXPECT_NE(log.find("TRACKING BUG NUMBER = " + std::to_string(kWorkingJobTrackPoint) + "\r\n"),
+            std::string::npos)
+      << log;
+  EXPECT_NE(log.find("broken job"), std::string::npos) << log;
+}
+
 TEST(WorkingDialog, StoredPositionIsUsed) {
   WorkingFixture f;
   f.ctx.settings.InfWrite("FrmWorkTop", 40);
@@ -672,6 +727,64 @@ TEST(WorkingDialog, StoredPositionIsUsed) {
     while (!stop) QThread::msleep(5);
   });
   EXPECT_EQ(place, QPoint(30, 40));
+}
+
+// --- The desktop's interface ---
+
+TEST(DesktopInterface, TheSixthFailureEndsTheRunOnTheInterfaceThread) {
+  TempFolder folder;
+  AppContext ctx(folder.Path());
+  ctx.messages.LoadMessages();
+  std::vector<std::string> opened;
+  QtUserInterface ui(ctx, [&](const std::string& path) {
+    opened.push_back(path);
+    return true;
+  });
+  std::atomic<int> endCode{-1};
+  std::thread::id endThread;
+  ctx.log.SetFatalHandler([&](const std::string& logPath) {
+    ui.EndAfterFatal(logPath, [&](int code) {
+      endThread = std::this_thread::get_id();
+      endCode = code;
+    });
+  });
+  bool workerWentOn = false;
+  std::thread worker([&] {
+    for (int i = 0; i < 6; ++i) {
+      RunGuarded(ctx.log, 100 + i, [] { throw std::runtime_error("fault"); });
+    }
+    workerWentOn = true;  // the handler came back: the worker wasn't ended
+  });
+  worker.join();
+  EXPECT_TRUE(workerWentOn);
+  EXPECT_EQ(endCode.load(), -1);  // not yet: the interface thread ends the run
+  ASSERT_TRUE(WaitFor([&] { return endCode.load() != -1; }));
+  EXPECT_EQ(endCode.load(), 1);
+  EXPECT_EQ(endThread, std::this_thread::get_id());
+  ASSERT_EQ(opened.size(), 1u);
+  EXPECT_EQ(opened[0], ctx.log.LogPath());
+}
+
+TEST(DesktopInterface, ADocumentNothingOpensIsNamedInAMessage) {
+  TempFolder folder;
+  AppContext ctx(folder.Path());
+  ctx.messages.LoadMessages();
+  QtUserInterface ui(ctx, [](const std::string&) { return false; });
+  ctx.SetUi(&ui);
+  QString shown;
+  ModalDriver driver([&](QWidget* modal) {
+    if (auto* label = modal->findChild<QLabel*>(QStringLiteral("Label1"))) shown = label->text();
+    if (auto* box = qobject_cast<QMessageBox*>(modal)) {
+      shown = box->text();
+      box->accept();
+      return;
+    }
+    Click(modal, "Command1");
+  });
+  const std::string notes = folder / "NOTES.TXT";
+  ui.OpenDocument(notes);
+  EXPECT_NE(shown.indexOf(ToQt(notes)), -1) << shown.toStdString();
+  ctx.SetUi(nullptr);
 }
 
 // --- Message box ---
@@ -929,6 +1042,50 @@ TEST(Look, FrenchWindows) {
 }
 
 // --- The real program ---
+
+TEST(Program, HelpAndVersionWriteNothing) {
+  const QString program = QStringLiteral(TESSARIN_BINARY_DIR "/src/tessarin");
+  if (!QFileInfo::exists(program)) GTEST_SKIP() << "the program is not built";
+  // Without --home the program's own folder would be the application folder.
+  const QDir programFolder = QFileInfo(program).dir();
+  const QStringList before = programFolder.entryList(QDir::AllEntries | QDir::NoDotAndDotDot);
+  for (const QString& option : {QStringLiteral("--help"), QStringLiteral("--version")}) {
+    QProcess run;
+    run.start(program, {option});
+    ASSERT_TRUE(run.waitForFinished(15000)) << option.toStdString();
+    EXPECT_EQ(run.exitStatus(), QProcess::NormalExit);
+    EXPECT_EQ(run.exitCode(), 0);
+    const QString out = QString::fromUtf8(run.readAllStandardOutput());
+    EXPECT_TRUE(out.contains(option == QStringLiteral("--help") ? QStringLiteral("--home")
+                                                                : QStringLiteral("tessarin ")))
+        << out.toStdString();
+  }
+  EXPECT_EQ(programFolder.entryList(QDir::AllEntries | QDir::NoDotAndDotDot), before);
+}
+
+TEST(Program, AFolderThatCantBeWrittenIsNamedAndGivesOne) {
+  const QString program = QStringLiteral(TESSARIN_BINARY_DIR "/src/tessarin");
+  if (!QFileInfo::exists(program)) GTEST_SKIP() << "the program is not built";
+  TempFolder folder;
+  WriteFile(folder / "a file", "x");
+  const std::string home = folder / "a file/home";
+  QProcess run;
+  QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+  env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+  run.setProcessEnvironment(env);
+  run.setReadChannel(QProcess::StandardError);
+  run.start(program, {QStringLiteral("--home"), ToQt(home)});
+  ASSERT_TRUE(run.waitForStarted());
+  // The message box waits for the user; its text is on standard error already.
+  ASSERT_TRUE(
+      WaitFor([&] { return run.bytesAvailable() > 0 || run.state() != QProcess::Running; }, 15000));
+  QTest::qWait(200);
+  const QString err = QString::fromUtf8(run.readAllStandardError());
+  EXPECT_TRUE(err.contains(QStringLiteral("can't be written"))) << err.toStdString();
+  EXPECT_TRUE(err.contains(ToQt(home))) << err.toStdString();
+  run.kill();
+  run.waitForFinished(5000);
+}
 
 TEST(Program, SecondInstanceEndsSilentlyAndTouchesNothing) {
   const QString program = QStringLiteral(TESSARIN_BINARY_DIR "/src/tessarin");

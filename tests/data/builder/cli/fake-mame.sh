@@ -2,7 +2,9 @@
 # A stand-in for the emulator in the tests: a version line for -help, a small game list for
 # -listxml (TESSARIN_FAKE_LIST names another file), and nothing for -listinfo. With
 # TESSARIN_FAKE_SILENT=1 it prints no list at all, as a broken emulator would; with
-# TESSARIN_FAKE_NOVERSION=1 its -help prints nothing.
+# TESSARIN_FAKE_NOVERSION=1 its -help prints nothing. With TESSARIN_FAKE_HANG=1 its -listxml
+# prints the start of the list and then hangs for a minute; with TESSARIN_FAKE_HANG=stubborn it
+# also ignores the request to terminate, so only a kill ends it.
 here=$(dirname "$0")
 list=${TESSARIN_FAKE_LIST:-$here/../dumps/machine_lf.xml}
 case "$1" in
@@ -12,7 +14,13 @@ case "$1" in
     echo "Copyright Nobody"
     ;;
   -listxml)
-    [ "$TESSARIN_FAKE_SILENT" = "1" ] || cat "$list"
+    [ "$TESSARIN_FAKE_SILENT" = "1" ] && exit 0
+    if [ -n "$TESSARIN_FAKE_HANG" ]; then
+      head -c 200 "$list"
+      [ "$TESSARIN_FAKE_HANG" = "stubborn" ] && trap '' TERM
+      exec sleep 60
+    fi
+    cat "$list"
     ;;
   -listinfo)
     ;;

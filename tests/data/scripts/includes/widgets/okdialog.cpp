@@ -1,0 +1,2 @@
+// A window file: Qt Widgets are its business.
+#include <QWidget>
