@@ -8,6 +8,7 @@
 #include "core/fileservices.h"
 #include "core/guard.h"
 #include "core/messages.h"
+#include "core/textutil.h"
 #include "core/work.h"
 #include "lists/listfile.h"
 #include "sheet/gamedetails.h"
@@ -20,14 +21,6 @@ namespace {
 
 constexpr int kTrackExportDatList = 6301;
 constexpr int kTrackCreateDefaultDatMask = 6302;
-
-std::string UpperCopy(std::string_view text) {
-  std::string upper(text);
-  for (char& c : upper) {
-    if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
-  }
-  return upper;
-}
 
 bool Contains(std::string_view text, std::string_view part) {
   return text.find(part) != std::string_view::npos;

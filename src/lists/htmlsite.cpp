@@ -14,6 +14,7 @@
 #include "core/guard.h"
 #include "core/messages.h"
 #include "core/settings.h"
+#include "core/textutil.h"
 #include "core/version.h"
 #include "core/work.h"
 #include "lists/skins.h"
@@ -34,16 +35,6 @@ QString ToQString(const std::string& utf8) {
   return QString::fromUtf8(utf8.data(), static_cast<qsizetype>(utf8.size()));
 }
 std::string FromQString(const QString& text) { return text.toUtf8().toStdString(); }
-
-char UpperAscii(char c) { return (c >= 'a' && c <= 'z') ? static_cast<char>(c - 'a' + 'A') : c; }
-
-bool StartsWithNoCase(std::string_view text, std::string_view prefix) {
-  if (text.size() < prefix.size()) return false;
-  for (size_t i = 0; i < prefix.size(); ++i) {
-    if (UpperAscii(text[i]) != UpperAscii(prefix[i])) return false;
-  }
-  return true;
-}
 
 // The game's position behind the 100 characters of its sort key; 0 when there is none.
 int KeyPosition(std::string_view key) {

@@ -10,6 +10,7 @@
 #include "core/guard.h"
 #include "core/messages.h"
 #include "core/settings.h"
+#include "core/textutil.h"
 #include "core/userinterface.h"
 #include "core/work.h"
 #include "lists/listfile.h"
@@ -73,12 +74,6 @@ constexpr std::array<ListFieldInfo, kListFieldCount> kFields = {{
     {"Disk", K::Multi},
     {"BiosSet", K::Multi},
 }};
-
-bool EndsWithNoCase(std::string_view name, std::string_view suffix) {
-  if (name.size() < suffix.size()) return false;
-  const std::string_view tail = name.substr(name.size() - suffix.size());
-  return LowerCopy(tail) == suffix;
-}
 
 // The text of a field of kind Text; null for the other kinds.
 const std::string* TextField(const GameDetails& d, int position) {

@@ -11,6 +11,7 @@
 #include "core/fileservices.h"
 #include "core/guard.h"
 #include "core/settings.h"
+#include "core/textutil.h"
 #include "core/version.h"
 #include "store/faststrings.h"
 
@@ -74,14 +75,6 @@ constexpr std::array<std::string_view, 8> kSectionsWithoutWords = {
     "[FILEINFO]", "[VERADDED]", "[DRIVER]", "[RESOLUTION]",
     "[SET]",      "[YEAR]",     "[BIOS]",   "[MANUFACTURER]",
 };
-
-std::string UpperCopy(std::string_view text) {
-  std::string upper(text);
-  for (char& c : upper) {
-    if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
-  }
-  return upper;
-}
 
 void AddLine(std::string& out, std::string_view line) {
   out += line;

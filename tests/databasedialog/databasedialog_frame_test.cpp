@@ -94,7 +94,7 @@ TEST(DatabaseDialogFrame, PanelOpensCentredInTheFrameAtTheFirstStart) {
   run.Start();
   QMdiSubWindow* window = run.frame->PanelWindow();
   ASSERT_NE(window, nullptr);
-  const QRect area = run.frame->Area()->viewport()->rect();
+  const QRect area = run.frame->findChild<QMdiArea*>()->viewport()->rect();
   const int left = window->pos().x();
   const int right = area.width() - (left + window->width());
   // Centred across, within a pixel of rounding; on a screen too small for it, at the left edge.
@@ -111,7 +111,7 @@ TEST(DatabaseDialogFrame, CentredPanelFollowsTheFrameUntilTheUserMovesIt) {
   run.Start();
   QMdiSubWindow* window = run.frame->PanelWindow();
   ASSERT_NE(window, nullptr);
-  QWidget* viewport = run.frame->Area()->viewport();
+  QWidget* viewport = run.frame->findChild<QMdiArea*>()->viewport();
   auto centredAcross = [&] {
     const int left = window->pos().x();
     const int right = viewport->width() - (left + window->width());
