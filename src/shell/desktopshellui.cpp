@@ -10,7 +10,6 @@
 #include "app/context.h"
 #include "core/fileservices.h"
 #include "lists/skins.h"
-#include "widgets/desktopui.h"
 #include "shell/languagedialog.h"
 #include "shell/mainframe.h"
 #include "shell/pathwizarddialog.h"
