@@ -11,6 +11,7 @@
 #include "core/guard.h"
 #include "core/log.h"
 #include "core/messages.h"
+#include "core/textutil.h"
 #include "core/userinterface.h"
 #include "core/work.h"
 #include "online/download.h"
@@ -19,13 +20,6 @@
 namespace tessarin {
 
 namespace {
-
-std::string TrimSpace(const std::string& text) {
-  const size_t first = text.find_first_not_of(" \t\r\n");
-  if (first == std::string::npos) return {};
-  const size_t last = text.find_last_not_of(" \t\r\n");
-  return text.substr(first, last - first + 1);
-}
 
 // Upper case as the user reads it: the message table is UTF-8, a language file may not be, and
 // then only its ASCII letters change.
@@ -69,7 +63,7 @@ DownloadReport DownloadFiles(AppContext& ctx, Work& work, const std::vector<Down
         return;
       }
       const DownloadLine& line = lines[i];
-      const std::string address = TrimSpace(line.address);
+      const std::string address = std::string(TrimWhite(line.address));
       if (!line.checked || address.empty()) continue;
       const std::string name = DownloadFileName(address);
       work.SetStatus(msg.Lng(38) + name);
@@ -99,7 +93,7 @@ DownloadReport DownloadFiles(AppContext& ctx, Work& work, const std::vector<Down
     // Windows: here it is named in the log so that the user can unpack it by hand.
     if (static_cast<size_t>(kSelfExtractingLine) < lines.size()) {
       const DownloadLine& line = lines[static_cast<size_t>(kSelfExtractingLine)];
-      const std::string address = TrimSpace(line.address);
+      const std::string address = std::string(TrimWhite(line.address));
       if (line.checked && !address.empty() && address.find('/') != std::string::npos) {
         std::string program = dataFiles + DownloadFileName(address);
         if (program.size() >= 3) program.replace(program.size() - 3, 3, "exe");

@@ -9,24 +9,13 @@
 #include "core/guard.h"
 #include "core/log.h"
 #include "core/settings.h"
+#include "core/textutil.h"
 #include "core/work.h"
 #include "online/download.h"
 
 namespace tessarin {
 
 namespace {
-
-std::string Upper(std::string text) {
-  for (char& c : text) {
-    if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
-  }
-  return text;
-}
-
-bool EndsWith(const std::string& text, std::string_view ending) {
-  return text.size() >= ending.size() &&
-         text.compare(text.size() - ending.size(), ending.size(), ending) == 0;
-}
 
 // Makes a folder and its parents; logs when it can't.
 void MakeFolderLogged(Log& log, const std::string& folder) {
@@ -150,7 +139,7 @@ std::string LayoutField(const std::vector<std::string>& fields, size_t index) {
 }
 
 bool IsVerticalLine(const std::vector<std::string>& fields) {
-  return Upper(LayoutField(fields, 1)).find("[VERTICAL]") != std::string::npos;
+  return UpperCopy(LayoutField(fields, 1)).find("[VERTICAL]") != std::string::npos;
 }
 
 bool IsOtherSystem(const std::vector<std::string>& fields) {
@@ -159,7 +148,7 @@ bool IsOtherSystem(const std::vector<std::string>& fields) {
 }
 
 std::string NameWithoutVertical(const std::string& name) {
-  return EndsWith(name, "_v") ? name.substr(0, name.size() - 2) : name;
+  return std::string_view(name).ends_with("_v") ? name.substr(0, name.size() - 2) : name;
 }
 
 std::string LayoutAddress(const std::string& field, const std::string& defaultFolder,
@@ -424,7 +413,7 @@ void SortLayouts(std::vector<std::string>& lines, int choice) {
 void FilterLayouts(std::vector<std::string>& lines, int choice) {
   if (choice != 1 && choice != 2) return;
   for (std::string& line : lines) {
-    const bool verticalName = EndsWith(LayoutField(LayoutFields(line), 0), "_v");
+    const bool verticalName = std::string_view(LayoutField(LayoutFields(line), 0)).ends_with("_v");
     if ((choice == 1 && !verticalName) || (choice == 2 && verticalName)) line.clear();
   }
 }
@@ -469,7 +458,7 @@ std::string PreviewAddress(const LayoutPaths& paths, const std::string& line) {
 }
 
 bool SaveLayoutList(const std::string& file, const std::vector<std::string>& lines) {
-  const bool ini = EndsWith(Upper(file), ".INI");
+  const bool ini = std::string_view(UpperCopy(file)).ends_with(".INI");
   std::string text;
   if (ini) {
     text +=
@@ -479,7 +468,7 @@ bool SaveLayoutList(const std::string& file, const std::vector<std::string>& lin
   std::unordered_set<std::string> written;
   for (const std::string& line : lines) {
     std::string name = LayoutField(LayoutFields(line), 0);
-    if (EndsWith(Upper(name), "_V")) name.resize(name.size() - 2);
+    if (std::string_view(UpperCopy(name)).ends_with("_V")) name.resize(name.size() - 2);
     if (name.empty()) continue;
     if (!ini) name += ".zip";
     if (!written.insert(name).second) continue;

@@ -10,6 +10,7 @@
 #include "core/fileservices.h"
 #include "core/guard.h"
 #include "core/settings.h"
+#include "core/textutil.h"
 #include "core/work.h"
 
 namespace tessarin {
@@ -17,19 +18,6 @@ namespace tessarin {
 namespace {
 
 namespace fs = std::filesystem;
-
-std::string Lower(std::string text) {
-  for (char& c : text) {
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-  }
-  return text;
-}
-
-std::string Trim(std::string_view text) {
-  while (!text.empty() && (text.front() == ' ' || text.front() == '\t')) text.remove_prefix(1);
-  while (!text.empty() && (text.back() == ' ' || text.back() == '\t')) text.remove_suffix(1);
-  return std::string(text);
-}
 
 std::string Setting(const Settings& s, const char* key, const char* fallback = "") {
   const std::string value = s.InfRead(key);
@@ -134,7 +122,7 @@ std::vector<std::string> ReadNameList(const NameListOrigin& origin, Work* work) 
     while (start < content.size() && !cancelled()) {
       size_t end = content.find_first_of("\r\n", start);
       if (end == std::string::npos) end = content.size();
-      std::string name = Trim(std::string_view(content).substr(start, end - start));
+      std::string name(TrimBlanks(std::string_view(content).substr(start, end - start)));
       if (end < content.size() && content[end] == '\r' && end + 1 < content.size() &&
           content[end + 1] == '\n') {
         ++end;
@@ -142,27 +130,28 @@ std::vector<std::string> ReadNameList(const NameListOrigin& origin, Work* work) 
       start = end + 1;
       if (name.empty()) continue;
       // Only the last character goes: "abc.zip" gives "abc.zi", as lists have always read.
-      if (name.size() >= 4 && Lower(name.substr(name.size() - 4)) == ".zip") name.pop_back();
-      names.push_back(Lower(name));
+      if (name.size() >= 4 && LowerCopy(name.substr(name.size() - 4)) == ".zip") name.pop_back();
+      names.push_back(LowerCopy(name));
     }
     return names;
   }
   if (origin.kind == NameListKind::Files) {
-    const std::string extension = Lower(Trim(origin.extension));
+    const std::string extension = LowerCopy(TrimBlanks(origin.extension));
     for (const std::string& file : FolderEntries(origin.folder, false)) {
       if (cancelled()) break;
       if (extension != "*" && !extension.empty()) {
         const size_t dot = file.rfind('.');
-        if (dot == std::string::npos || Lower(file.substr(dot + 1)) != extension) continue;
+        if (dot == std::string::npos || LowerCopy(file.substr(dot + 1)) != extension) continue;
       }
-      const std::string lowered = Lower(file);
-      names.push_back(Trim(lowered.substr(0, lowered.find('.'))));
+      const std::string lowered = LowerCopy(file);
+      names.push_back(
+          std::string(TrimBlanks(std::string_view(lowered).substr(0, lowered.find('.')))));
     }
     return names;
   }
   for (const std::string& folder : FolderEntries(origin.subfolders, true)) {
     if (cancelled()) break;
-    names.push_back(Lower(folder));
+    names.push_back(LowerCopy(folder));
   }
   return names;
 }

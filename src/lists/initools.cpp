@@ -10,6 +10,7 @@
 #include "core/fileservices.h"
 #include "core/guard.h"
 #include "core/settings.h"
+#include "core/textutil.h"
 #include "core/work.h"
 #include "search/searchengine.h"
 #include "store/faststrings.h"
@@ -19,20 +20,6 @@ namespace tessarin {
 namespace {
 
 namespace fs = std::filesystem;
-
-std::string_view TrimView(std::string_view text) {
-  while (!text.empty() && (text.front() == ' ' || text.front() == '\t')) text.remove_prefix(1);
-  while (!text.empty() && (text.back() == ' ' || text.back() == '\t')) text.remove_suffix(1);
-  return text;
-}
-
-std::string Lower(std::string_view text) {
-  std::string out(text);
-  for (char& c : out) {
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-  }
-  return out;
-}
 
 bool Flag(const Settings& settings, const char* key) {
   const std::string value = settings.InfRead(key);
@@ -203,7 +190,7 @@ void AppendNames(const GameStore& store, const std::vector<int>& games, int sort
     }
     std::sort(keys.begin(), keys.end());
     for (const std::string& key : keys) {
-      text += std::string(TrimView(std::string_view(key).substr(key.size() - width))) + "\r\n";
+      text += std::string(TrimBlanks(std::string_view(key).substr(key.size() - width))) + "\r\n";
     }
   } else {
     for (int g : games) text += names[static_cast<size_t>(g)] + "\r\n";
@@ -280,8 +267,8 @@ ToolResult ScanFolderToIni(const FolderScanOptions& options, const std::string& 
   std::string folder = options.folder;
   if (!folder.empty() && (folder.back() == '\\' || folder.back() == '/')) folder.pop_back();
   if (folder.empty() || !FolderExists(folder)) return ToolResult::NoSource;
-  const std::string extension(TrimView(options.extension));
-  const std::string pattern = Lower(extension.empty() ? "*" : extension);
+  const std::string extension(TrimBlanks(options.extension));
+  const std::string pattern = LowerCopy(extension.empty() ? "*" : extension);
 
   // The listing, before the destination is touched.
   struct Entry {
@@ -298,7 +285,7 @@ ToolResult ScanFolderToIni(const FolderScanOptions& options, const std::string& 
       if (isFolder || !item.is_regular_file(ignored)) continue;
       if (pattern != "*") {
         const size_t dot = name.rfind('.');
-        if (dot == std::string::npos || Lower(name.substr(dot + 1)) != pattern) continue;
+        if (dot == std::string::npos || LowerCopy(name.substr(dot + 1)) != pattern) continue;
       }
     }
     entries.push_back({name, isFolder});
@@ -389,10 +376,10 @@ ToolResult XmlToList(XmlListOptions& options, const std::string& destination, Wo
           (!options.noClone || line.find("cloneof") != std::string::npos)) {
         std::string_view name =
             at + skip <= line.size() ? std::string_view(line).substr(at + skip) : "";
-        name = TrimView(name);
-        if (!name.empty() && name.front() == '=') name = TrimView(name.substr(1));
-        if (!name.empty() && name.front() == '"') name = TrimView(name.substr(1));
-        name = TrimView(name.substr(0, name.find('"')));
+        name = TrimBlanks(name);
+        if (!name.empty() && name.front() == '=') name = TrimBlanks(name.substr(1));
+        if (!name.empty() && name.front() == '"') name = TrimBlanks(name.substr(1));
+        name = TrimBlanks(name.substr(0, name.find('"')));
         lastName = std::string(name);
         if (options.addZip) lastName += ".zip";
         if (!options.gameNames) out.Line(lastName);
@@ -401,8 +388,8 @@ ToolResult XmlToList(XmlListOptions& options, const std::string& destination, Wo
     if (options.gameNames) {
       const size_t at = line.find("<description>");
       if (at != std::string::npos) {
-        std::string_view text = TrimView(std::string_view(line).substr(at + 13));
-        text = TrimView(text.substr(0, text.find('<')));
+        std::string_view text = TrimBlanks(std::string_view(line).substr(at + 13));
+        text = TrimBlanks(text.substr(0, text.find('<')));
         const std::string description = DecodeXmlEntities(text);
         out.Line(options.romNames ? lastName + ";" + description : description);
       }

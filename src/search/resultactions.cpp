@@ -10,20 +10,13 @@
 #include "core/fileservices.h"
 #include "core/messages.h"
 #include "core/settings.h"
+#include "core/textutil.h"
 #include "core/work.h"
 #include "online/download.h"
 
 namespace tessarin {
 
 namespace {
-
-std::string TrimBlanks(std::string_view text) {
-  size_t begin = 0;
-  size_t end = text.size();
-  while (begin < end && text[begin] == ' ') ++begin;
-  while (end > begin && text[end - 1] == ' ') --end;
-  return std::string(text.substr(begin, end - begin));
-}
 
 size_t Column(int longest) { return static_cast<size_t>(std::max(0, longest)); }
 
@@ -54,7 +47,7 @@ void ForEachListedGame(const GameStore& store, std::string_view fileText, Work* 
       step = step >= 99 ? 0 : step + 1;
       work->ProgressValue = step;
     }
-    const std::string name = TrimBlanks(raw);
+    const std::string name(TrimBlanks(raw));
     if (name.empty() || name.size() > Column(store.LongestNameLength) || name[0] == '[') continue;
     const int game = store.FindGame(name);
     if (game == 0) continue;
@@ -67,12 +60,12 @@ void ForEachListedGame(const GameStore& store, std::string_view fileText, Work* 
 }  // namespace
 
 std::string RomNameOfLine(std::string_view line, int longest) {
-  return TrimBlanks(line.substr(0, std::min(line.size(), Column(longest))));
+  return std::string(TrimBlanks(line.substr(0, std::min(line.size(), Column(longest)))));
 }
 
 std::string TitleOfLine(std::string_view line, int longest) {
   if (line.size() <= Column(longest)) return {};
-  return TrimBlanks(line.substr(Column(longest)));
+  return std::string(TrimBlanks(line.substr(Column(longest))));
 }
 
 std::vector<int> PickedRows(int lineCount, std::vector<int> selectedRows) {
@@ -360,8 +353,8 @@ std::string RomFromTitleFirstEntry(std::string_view text) {
 std::string SwapJumpEntry(std::string_view text) {
   const size_t dash = text.rfind('-');
   if (dash == std::string_view::npos) return std::string(text);
-  const std::string left = TrimBlanks(text.substr(0, dash));
-  const std::string right = TrimBlanks(text.substr(dash + 1));
+  const std::string left(TrimBlanks(text.substr(0, dash)));
+  const std::string right(TrimBlanks(text.substr(dash + 1)));
   return right + " - " + left;
 }
 

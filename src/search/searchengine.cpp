@@ -7,6 +7,7 @@
 
 #include "core/fileservices.h"
 #include "core/messages.h"
+#include "core/textutil.h"
 #include "core/work.h"
 
 namespace tessarin {
@@ -68,14 +69,6 @@ bool ContainsLowered(std::string_view text, std::string_view lowered) {
     if (j == n) return true;
   }
   return false;
-}
-
-std::string Trimmed(std::string_view text) {
-  size_t begin = 0;
-  size_t end = text.size();
-  while (begin < end && text[begin] == ' ') ++begin;
-  while (end > begin && text[end - 1] == ' ') --end;
-  return std::string(text.substr(begin, end - begin));
 }
 
 // The character the flag criteria look at: the first one behind the tag. A record without the
@@ -422,7 +415,7 @@ SearchCriteria CriteriaFromForm(const GameStore& store, const SearchForm& form,
                                 std::string_view allText) {
   SearchCriteria c;
   const auto text = [&](int combo) {
-    std::string value = Trimmed(form.Text[static_cast<size_t>(combo)]);
+    std::string value = std::string(TrimBlanks(form.Text[static_cast<size_t>(combo)]));
     const int position = form.Position[static_cast<size_t>(combo)];
     // "All" is no test, and a text typed in a box of table entries is discarded; only the
     // orientation and driver boxes keep it, and there it finds nothing.
@@ -430,7 +423,7 @@ SearchCriteria CriteriaFromForm(const GameStore& store, const SearchForm& form,
     if (position == 0 || (position < 0 && !keepsTyped)) value.clear();
     return value;
   };
-  c.Keyword = Trimmed(form.Keyword);
+  c.Keyword = std::string(TrimBlanks(form.Keyword));
   c.Manufacturer = text(1);
   c.Year = text(2);
   c.Genre = text(3);
@@ -445,7 +438,7 @@ SearchCriteria CriteriaFromForm(const GameStore& store, const SearchForm& form,
   c.Available = position(9);
   c.Clones = position(10);
   c.Mature = position(11);
-  const std::string savestate = Trimmed(form.Text[16]);
+  const std::string savestate = std::string(TrimBlanks(form.Text[16]));
   if (!savestate.empty() && store.SavestateTable.size() > 1) {
     c.Savestate = FindInTable(savestate, store.SavestateTable, true);
   }

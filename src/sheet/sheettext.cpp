@@ -7,6 +7,7 @@
 
 #include "app/context.h"
 #include "core/messages.h"
+#include "core/textutil.h"
 #include "sheet/textdisplay.h"
 #include "store/faststrings.h"
 
@@ -41,13 +42,6 @@ class Writer {
   const Messages& m_messages;
   SheetTextMode m_mode;
 };
-
-// Blanks off both ends, as the notes are trimmed.
-std::string_view TrimBlanks(std::string_view text) {
-  const size_t first = text.find_first_not_of(' ');
-  if (first == std::string_view::npos) return {};
-  return text.substr(first, text.find_last_not_of(' ') - first + 1);
-}
 
 // The number a text begins with, as a display of "the number in" a field reads it.
 double LeadingValue(const std::string& text) { return std::strtod(text.c_str(), nullptr); }
