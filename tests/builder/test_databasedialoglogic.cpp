@@ -11,14 +11,14 @@
 #include "buildertestsupport.h"
 #include "core/fileservices.h"
 #include "core/work.h"
-#include "httpfileserver.h"
 #include "store/indexfile.h"
+#include "support/routeserver.h"
 
 namespace tessarin {
 namespace {
 
 namespace fs = std::filesystem;
-using buildertest::HttpFileServer;
+using HttpFileServer = testsupport::RouteServer;
 using buildertest::ReadBytes;
 using buildertest::TestHome;
 using buildertest::WriteBytes;
@@ -168,8 +168,8 @@ TEST(DownloadFiles, FileNameIsBehindTheLastSeparator) {
 TEST(DownloadFiles, ZippedFileIsUnpackedIntoDataFilesAndFailuresAreReported) {
   TestHome home;
   HttpFileServer server;
-  server.Put("/dat/history.zip", ZipOf("history.dat", "$info=pacman\r\n$bio\r\nPac\r\n$end\r\n"));
-  server.Put("/dat/plain.dat", "not a zip");
+  server.Set("/dat/history.zip", ZipOf("history.dat", "$info=pacman\r\n$bio\r\nPac\r\n$end\r\n"));
+  server.Set("/dat/plain.dat", "not a zip");
   std::vector<DownloadLine> lines = ElevenLines();
   lines[0].address = "  " + server.Url("/dat/history.zip") + " ";
   lines[0].checked = true;
@@ -183,7 +183,7 @@ TEST(DownloadFiles, ZippedFileIsUnpackedIntoDataFilesAndFailuresAreReported) {
   Work work;
   const DownloadReport report = DownloadFiles(home.ctx, work, lines);
   EXPECT_FALSE(report.cancelled);
-  EXPECT_EQ(server.Requests(), 3);
+  EXPECT_EQ(server.Requests().size(), 3u);
   EXPECT_EQ(ReadBytes(home.DataFiles() + "history.dat"), "$info=pacman\r\n$bio\r\nPac\r\n$end\r\n");
   EXPECT_TRUE(FileExists(home.Folder() + "Downloads/history.zip"));
   const std::vector<std::string> expected = {
@@ -232,7 +232,7 @@ TEST(DownloadFiles, NothingCheckedReportsDoneAndMakesTheFolders) {
 TEST(DownloadFiles, CancelStopsBeforeTheNextLineAndShowsNoReport) {
   TestHome home;
   HttpFileServer server;
-  server.Put("/a.zip", ZipOf("a.dat", "a"));
+  server.Set("/a.zip", ZipOf("a.dat", "a"));
   std::vector<DownloadLine> lines = ElevenLines();
   lines[0].address = server.Url("/a.zip");
   lines[0].checked = true;
@@ -240,14 +240,14 @@ TEST(DownloadFiles, CancelStopsBeforeTheNextLineAndShowsNoReport) {
   work.CancelRequested = true;
   const DownloadReport report = DownloadFiles(home.ctx, work, lines);
   EXPECT_TRUE(report.cancelled);
-  EXPECT_EQ(server.Requests(), 0);
+  EXPECT_EQ(server.Requests().size(), 0u);
   EXPECT_TRUE(home.ui.messages.empty());
 }
 
 TEST(DownloadFiles, SelfExtractingMameinfoIsNamedInTheLogAndNotRun) {
   TestHome home;
   HttpFileServer server;
-  server.Put("/mameinfo/mameinfo.zip", ZipOf("mameinfo.exe", "MZ not really a program"));
+  server.Set("/mameinfo/mameinfo.zip", ZipOf("mameinfo.exe", "MZ not really a program"));
   std::vector<DownloadLine> lines = ElevenLines();
   lines[kSelfExtractingLine].address = server.Url("/mameinfo/mameinfo.zip");
   lines[kSelfExtractingLine].checked = true;

@@ -23,10 +23,10 @@
 #include "archive/ziptestutil.h"
 #include "builder/buildertestsupport.h"
 #include "builder/databaseops.h"
-#include "builder/httpfileserver.h"
 #include "core/fileservices.h"
 #include "core/work.h"
 #include "store/indexfile.h"
+#include "support/routeserver.h"
 #include "widgets/workingdialog.h"
 
 namespace tessarin {
@@ -34,7 +34,7 @@ namespace {
 
 namespace fs = std::filesystem;
 using buildertest::BuilderFixture;
-using buildertest::HttpFileServer;
+using HttpFileServer = testsupport::RouteServer;
 using buildertest::ReadBytes;
 using buildertest::TestHome;
 using buildertest::WriteBytes;
@@ -470,7 +470,7 @@ TEST_F(DatabaseDialogTest, DownloadUnpacksIntoDataFilesAndReportsAFailure) {
   HttpFileServer server;
   tessarin::testing::RawZip zip;
   zip.Add("catver.ini", "[Category]\r\npacman=Maze\r\n", true);
-  server.Put("/files/catver.zip", zip.Bytes());
+  server.Set("/files/catver.zip", zip.Bytes());
   lines[1] = {"Catver", server.Url("/files/catver.zip"), "http://catver.invalid/", false};
   lines[7] = {"Cheat", "", "", false};
   DatabaseDialog& d = Open();
