@@ -1,7 +1,8 @@
 #pragma once
 
 // A small HTTP/1.0 server on 127.0.0.1 whose answers the test sets path by path: a body with
-// 200, or a connection cut half-way. Everything else is a 404. It answers one connection at a
+// 200, a connection cut half-way, a redirect, or headers and then silence. Everything else is a
+// 404. It answers one connection at a
 // time and stops when destroyed; it never reaches past the loopback.
 
 #include <arpa/inet.h>
@@ -11,6 +12,7 @@
 #include <unistd.h>
 
 #include <atomic>
+#include <chrono>
 #include <map>
 #include <mutex>
 #include <string>
@@ -51,12 +53,23 @@ class RouteServer {
   // `path` answers 200 with `body`.
   void Set(const std::string& path, std::string body) {
     std::lock_guard lock(m_mutex);
-    m_routes[path] = Route{std::move(body), false};
+    m_routes[path] = Route{std::move(body), Kind::Body};
   }
   // `path` promises `body` but sends only its first half and hangs up.
   void SetCut(const std::string& path, std::string body) {
     std::lock_guard lock(m_mutex);
-    m_routes[path] = Route{std::move(body), true};
+    m_routes[path] = Route{std::move(body), Kind::Cut};
+  }
+  // `path` answers 302 to `target`.
+  void SetRedirect(const std::string& path, std::string target) {
+    std::lock_guard lock(m_mutex);
+    m_routes[path] = Route{std::move(target), Kind::Redirect};
+  }
+  // `path` promises `length` bytes, sends its headers and then nothing for 10 seconds (or until
+  // the server stops).
+  void SetStall(const std::string& path, size_t length) {
+    std::lock_guard lock(m_mutex);
+    m_routes[path] = Route{std::string(length, 's'), Kind::Stall};
   }
   void Remove(const std::string& path) {
     std::lock_guard lock(m_mutex);
@@ -69,9 +82,10 @@ class RouteServer {
   }
 
  private:
+  enum class Kind { Body, Cut, Redirect, Stall };
   struct Route {
-    std::string body;
-    bool cut = false;
+    std::string body;  // the target of a redirect
+    Kind kind = Kind::Body;
   };
 
   void Serve() {
@@ -121,9 +135,29 @@ class RouteServer {
       Send(client, "HTTP/1.0 404 Not Found\r\nContent-Length: 8\r\n\r\nnot here");
       return;
     }
+    if (route.kind == Kind::Redirect) {
+      Send(client,
+           "HTTP/1.0 302 Found\r\nLocation: " + route.body + "\r\nContent-Length: 0\r\n\r\n");
+      return;
+    }
     const std::string head =
         "HTTP/1.0 200 OK\r\nContent-Length: " + std::to_string(route.body.size()) + "\r\n\r\n";
-    Send(client, head + (route.cut ? route.body.substr(0, route.body.size() / 2) : route.body));
+    switch (route.kind) {
+      case Kind::Cut:
+        Send(client, head + route.body.substr(0, route.body.size() / 2));
+        break;
+      case Kind::Stall: {
+        Send(client, head);
+        const auto until = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+        while (!m_stop && std::chrono::steady_clock::now() < until) {
+          std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        }
+        break;
+      }
+      default:
+        Send(client, head + route.body);
+        break;
+    }
   }
 
   int m_listen = -1;
