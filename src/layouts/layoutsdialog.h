@@ -102,7 +102,9 @@ class LayoutsExpertDialog final : public QDialog {
   QProgressBar* m_gauge;
   QPushButton* m_missing;
   bool m_showingMissing = false;
+  bool m_shown = false;
   bool m_loaded = false;
+  bool m_loading = false;
   bool m_unloaded = false;
 };
 
