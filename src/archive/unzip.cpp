@@ -1,6 +1,7 @@
 #include "archive/unzip.h"
 
 #include <cstdio>
+#include <optional>
 
 #include "archive/zippath.h"
 #include "core/guard.h"
@@ -118,35 +119,20 @@ std::string zLib_LireContenu(UnzipSession& session) {
   return text;
 }
 
-namespace {
-
-template <class Operation>
-auto RunFront(const UnzipEnvironment& environment, int trackPoint, Operation&& operation) {
+bool RunUnzipGuarded(const UnzipEnvironment& environment, int trackPoint,
+                     const std::function<bool()>& operation) {
+  // A caller without a log of its own still has its failure tracked, in the log of the
+  // application folder: it is never dropped.
+  std::optional<Log> own;
+  Log& log = environment.log ? *environment.log : own.emplace(environment.appFolder);
   bool result = false;
-  if (environment.log) {
-    RunGuarded(*environment.log, trackPoint, [&] { result = operation(); });
-  } else {
-    // Without a log the failure goes where the caller looks for the unzip's errors, so that
-    // it is never lost.
-    try {
-      result = operation();
-    } catch (...) {
-      const FailureInfo failure = DescribeCurrentException();
-      if (environment.unzipError) {
-        *environment.unzipError =
-            "Erreur " + std::to_string(failure.number) + " - " + failure.description;
-      }
-      result = false;
-    }
-  }
+  RunGuarded(log, trackPoint, [&] { result = operation(); });
   return result;
 }
 
-}  // namespace
-
 bool UnzipAll(const UnzipEnvironment& environment, const std::string& zipPath,
               const std::string& destFolder, bool hidden) {
-  return RunFront(environment, 7101, [&] {
+  return RunUnzipGuarded(environment, 7101, [&] {
     UnzipSession session(environment, hidden);
     session.ZipPath = zipPath;
     session.DestFolder = CutFinalSeparator(destFolder.empty() ? environment.appFolder : destFolder);
@@ -156,7 +142,7 @@ bool UnzipAll(const UnzipEnvironment& environment, const std::string& zipPath,
 
 bool UnzipOne(const UnzipEnvironment& environment, const std::string& zipPath,
               const std::string& entryName, const std::string& destFolder, bool hidden) {
-  return RunFront(environment, 7102, [&] {
+  return RunUnzipGuarded(environment, 7102, [&] {
     UnzipSession session(environment, hidden);
     session.ZipPath = zipPath;
     session.Wanted = entryName;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -17,7 +18,8 @@ struct UnzipEnvironment {
   // The last unzip error, "Erreur <code> - <text>": each error replaces it, nothing clears it.
   // The caller reads it after the call, logs it and clears it. May be null.
   std::string* unzipError = nullptr;
-  // Receives the lines of refused entries and the failures of the routines. May be null.
+  // Receives the lines of refused entries and the failures of the routines. When null, the
+  // failures still go to the log of appFolder and refused entries are not told.
   Log* log = nullptr;
   // Polled for cancel; when the run isn't hidden its progress (percent of 100) and status text go
   // here too. May be null.
@@ -70,6 +72,12 @@ std::string zLib_LireCommentaire(UnzipSession& session);
 // One CR LF line per entry: name|date and time|n octets (compressé)|n octets (décompressé)|
 // Taux = n%. Empty when the zip can't be opened.
 std::string zLib_LireContenu(UnzipSession& session);
+
+// The failure boundary of the unzip operations: runs `operation` under `trackPoint` and gives
+// its result, or false when it threw, the failure written to environment.log (or, without one,
+// to the log of environment.appFolder).
+bool RunUnzipGuarded(const UnzipEnvironment& environment, int trackPoint,
+                     const std::function<bool()>& operation);
 
 // Unpacks all of `zipPath` into `destFolder` (empty: the application folder), keeping the
 // folders of the archive. Gives false when it can't be opened or the run was cancelled; the

@@ -144,5 +144,26 @@ TEST_F(UnzipFrontTest, RefusedNameIsLogged) {
       << logText;
 }
 
+// A failure inside an unzip run is tracked under the operation's number, in the caller's log.
+TEST_F(UnzipFrontTest, AFailureGoesToTheCallersLog) {
+  EXPECT_FALSE(RunUnzipGuarded(env, 7101, []() -> bool { throw Failure(53, "File not found"); }));
+  EXPECT_EQ(log.BugCount(), 1);
+  const std::string text = ReadAll(log.LogPath());
+  EXPECT_NE(text.find("TRACKING BUG NUMBER = 7101\r\n53 File not found\r\n"), std::string::npos)
+      << text;
+}
+
+// Without a log of the caller's, the failure still reaches the application folder's log.
+TEST_F(UnzipFrontTest, AFailureWithoutALogGoesToTheApplicationFoldersLog) {
+  env.log = nullptr;
+  EXPECT_FALSE(RunUnzipGuarded(env, 7102, []() -> bool { throw Failure(7, "Out of memory"); }));
+  const std::string text = ReadAll(log.LogPath());
+  EXPECT_NE(text.find("TRACKING BUG NUMBER = 7102\r\n7 Out of memory\r\n"), std::string::npos)
+      << text;
+  // A run that ends gives the operation's result and writes nothing.
+  EXPECT_TRUE(RunUnzipGuarded(env, 7102, [] { return true; }));
+  EXPECT_EQ(ReadAll(log.LogPath()), text);
+}
+
 }  // namespace
 }  // namespace tessarin

@@ -154,6 +154,7 @@ std::string Unpack(FixtureHome& home, std::string_view name, const std::string& 
   fs::create_directories(into);
   UnzipEnvironment environment;
   environment.appFolder = home.ctx.AppFolder();
+  environment.log = &home.ctx.log;
   EXPECT_TRUE(UnzipAll(environment, zip, into, true));
   return AddSlash(into);
 }
