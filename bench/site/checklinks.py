@@ -6,7 +6,10 @@ site must name a file that exists. Two kinds of dead links are required by the s
 are counted apart rather than reported:
   - links to the page of a rom name longer than 12 characters (pages are named after the first
     12 characters, links use the whole name);
-  - group links of a game with no value in that table (an empty name gives "<folder>/.htm").
+  - group links of a game with no value in that table (an empty name gives "<folder>/.htm");
+  - parent links read out of a description: the database keeps "&quot;" as it stands, so its ";"
+    followed by a field letter (";S" of '&quot;Spitz') is taken for that field, and the parent
+    is "pitz&quot". The link ends in an unresolved entity without its ";".
 Addresses with a scheme (file:, http:, ...) and bare anchors are not checked.
 
 Usage: checklinks.py SITE [--show N]
@@ -18,6 +21,7 @@ import sys
 from urllib.parse import unquote
 
 LINK = re.compile(rb'(?:href|src)="([^"]*)"', re.IGNORECASE)
+ENTITY_CUT = re.compile(rb'&(?:quot|apos)$')
 SCHEME = re.compile(rb'^[A-Za-z][A-Za-z0-9+.-]*:')
 
 
@@ -30,6 +34,7 @@ def main():
     if '--show' in sys.argv:
         show = int(sys.argv[sys.argv.index('--show') + 1])
     files = pages = links = ok = long_names = empty_groups = external = hash_names = 0
+    entity_cuts = 0
     broken = []
     exists_cache = {}
     for root, _dirs, names in os.walk(site):
@@ -70,6 +75,8 @@ def main():
                 stem = os.path.splitext(base)[0]
                 if base == b'.htm':
                     empty_groups += 1
+                elif ENTITY_CUT.search(stem):
+                    entity_cuts += 1
                 elif len(stem) > 12 and os.path.isfile(
                         os.path.join(os.path.dirname(full), stem[:12].strip() + b'.htm')):
                     long_names += 1
@@ -79,6 +86,7 @@ def main():
     print(f'internal links checked: {links}  resolved: {ok}')
     print(f'required dead links, rom name over 12 characters: {long_names}')
     print(f'required dead links, empty group name: {empty_groups}')
+    print(f'required dead links, a field letter behind "&quot;" in a description: {entity_cuts}')
     print(f'file names holding "#" (from "*", exist but a browser cuts them): {hash_names}')
     print(f'addresses with a scheme (not checked): {external}')
     print(f'broken: {len(broken)}')

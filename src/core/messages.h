@@ -24,6 +24,12 @@ class Messages final {
   // Message n, 1 to 473; the empty text for any other number.
   const std::string& Lng(int number) const;
 
+  // The text of a control that has no message of its own (the program's additions to the
+  // table's windows): French when the table is French, else English.
+  const char* OwnText(const char* english, const char* french) const {
+    return LanguageNumber == kFrench ? french : english;
+  }
+
   int LanguageNumber = kEnglish;
   // The language file's name with its .lng ending; empty until the user picks one in this run.
   std::string LngFileName;

@@ -257,7 +257,9 @@ void ListDialog::BuildHtmlPage() {
   checks->setColumnMinimumWidth(0, fontMetrics().averageCharWidth() * 5);
   // Beyond the site's own pages: a page that searches its games in the browser. Off whenever
   // the dialog opens, as the other checks of this page.
-  m_searchIndex = new QCheckBox(QStringLiteral("Search page (search.htm)"), page);
+  m_searchIndex = new QCheckBox(QString::fromUtf8(m_ctx.messages.OwnText(
+                                    "Search page (search.htm)", "Page de recherche (search.htm)")),
+                                page);
   m_searchIndex->setObjectName(QStringLiteral("ChkSearchIndex"));
   checks->addWidget(m_searchIndex, 10, 0, 1, 3);
 

@@ -188,11 +188,11 @@ void TranslateDialog::EditDictionaries() {
   if (OpenEditor && OpenEditor(path)) return;
   // No program to open it with: say where the file is, so that any editor can.
   const std::string text =
-      m_ctx.messages.LanguageNumber == Messages::kFrench
-          ? "Aucun programme n'est associé aux fichiers texte. Ouvrez le dictionnaire avec votre "
-            "éditeur :|" +
-                path
-          : "No program is set to open text files. Open the dictionary with your editor:|" + path;
+      m_ctx.messages.OwnText(
+          "No program is set to open text files. Open the dictionary with your editor:|",
+          "Aucun programme n'est associé aux fichiers texte. Ouvrez le dictionnaire avec votre "
+          "éditeur :|") +
+      path;
   m_ctx.Ui().ShowMessage(false, text, {}, Icon::Warning);
 }
 

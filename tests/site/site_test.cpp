@@ -4,11 +4,13 @@
 #include <QProcess>
 #include <QTemporaryDir>
 #include <algorithm>
+#include <atomic>
 #include <filesystem>
 #include <map>
 #include <regex>
 #include <set>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "app/context.h"
@@ -488,6 +490,56 @@ TEST(SiteTest, CancelKeepsWhatWasWrittenAndSaysNothing) {
   EXPECT_TRUE(home.ui.opened.empty());
   EXPECT_TRUE(std::filesystem::is_directory(Site(home) + "roms"));
   EXPECT_FALSE(std::filesystem::exists(Site(home) + "index.htm"));
+}
+
+// A cancel between two game pages: the pages written stay, nothing after them is written, the
+// site isn't opened and nothing is said.
+TEST(SiteTest, ACancelDuringTheGamePagesKeepsThePagesWritten) {
+  SiteHome home;
+  home.MakeSmallSkin();
+  // A heavy game template, so that the ten pages take long enough to cancel between them.
+  WriteFile(home.Path("HTML/small.skin/rom.htm"), "#ROMNAME|" + std::string(6 << 20, '.'));
+  HtmlSiteRequest request;
+  request.destination = home.out.path().toStdString();
+  request.skin = "small.skin";
+  Work work;
+  std::vector<std::string> names{std::string()};
+  std::atomic<bool> stop{false};
+  // The caller's side: it cancels once the second game page is under way.
+  std::thread canceller([&] {
+    while (!stop) {
+      if (work.Status().rfind(home.ctx.messages.Lng(145), 0) == 0 && work.ProgressValue >= 2) {
+        work.CancelRequested = true;
+        return;
+      }
+      std::this_thread::yield();
+    }
+  });
+  const HtmlSiteResult result = BuildHtmlSite(home.ctx, work, request, false, names);
+  stop = true;
+  canceller.join();
+  ASSERT_EQ(result, HtmlSiteResult::Cancelled);
+  const std::string site = Site(home);
+  size_t pages = 0;
+  for (const auto& entry : std::filesystem::directory_iterator(site + "roms")) {
+    if (entry.path().extension() == ".htm") ++pages;
+  }
+  EXPECT_GE(pages, 1u);
+  EXPECT_LT(pages, 10u);
+  std::printf("pages written before the cancel: %zu of 10\n", pages);
+  // Every page written is whole.
+  for (const auto& entry : std::filesystem::directory_iterator(site + "roms")) {
+    const auto size = std::filesystem::file_size(entry.path());
+    EXPECT_GT(size, 6u << 20) << entry.path();
+    EXPECT_LT(size, (6u << 20) + 32) << entry.path();
+  }
+  // The group pages, the menu and the complete list come after the game pages.
+  EXPECT_FALSE(std::filesystem::exists(site + "genres/genre.htm"));
+  EXPECT_FALSE(std::filesystem::exists(site + "categories/category.htm"));
+  EXPECT_FALSE(std::filesystem::exists(site + "index.htm"));
+  EXPECT_FALSE(std::filesystem::exists(site + "roms/listroms.htm"));
+  EXPECT_TRUE(home.ui.messages.empty());
+  EXPECT_TRUE(home.ui.opened.empty());
 }
 
 TEST(SiteTest, ListRomsWithoutTheTagWritesNoCompleteList) {

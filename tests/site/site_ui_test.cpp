@@ -11,6 +11,7 @@
 #include <memory>
 
 #include "builder/databaseops.h"
+#include "core/messages.h"
 #include "core/work.h"
 #include "lists/htmlsiteui.h"
 #include "lists/listdialog.h"
@@ -57,6 +58,20 @@ TEST_F(SiteDialog, BuildAllWritesTheSiteAndBringsTheDialogBack) {
   ASSERT_EQ(home.ui.messages.size(), 1u);
   EXPECT_EQ(home.ui.messages[0].text, home.ctx.messages.Lng(41));
   EXPECT_TRUE(dialog.isVisible());
+}
+
+TEST_F(SiteDialog, TheSearchPageBoxSpeaksTheUsersLanguage) {
+  for (const int language : {Messages::kEnglish, Messages::kFrench}) {
+    home.ctx.messages.LanguageNumber = language;
+    home.ctx.messages.LoadMessages();
+    ListDialog dialog(nullptr, home.ctx, ListDialogHooks{BuildHtmlSiteFromDialog, {}});
+    EXPECT_EQ(Child<QCheckBox>(dialog, "ChkSearchIndex")->text(),
+              language == Messages::kFrench ? QStringLiteral("Page de recherche (search.htm)")
+                                            : QStringLiteral("Search page (search.htm)"));
+    // Its neighbours come from the table in the same language.
+    EXPECT_EQ(Child<QPushButton>(dialog, "Command4")->text().toStdString(),
+              home.ctx.messages.Lng(137));
+  }
 }
 
 TEST_F(SiteDialog, IniButtonLoadsTheNamesAndIgnoresSkipClones) {
