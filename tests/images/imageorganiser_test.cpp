@@ -14,6 +14,7 @@
 #include "core/work.h"
 #include "shell/shell_test_support.h"
 #include "store/indexfile.h"
+#include "support/realdata.h"
 
 namespace tessarin {
 namespace {
@@ -334,8 +335,8 @@ namespace {
 // The real list: a folder of 40,000 PNG names, every game of the database and some strangers,
 // pruned against the database. Prints the figure.
 TEST(ImageOrganiserTiming, PruneFortyThousandNamesAgainstTheRealDatabase) {
-  const std::string real = "/work/realdata/home/";
-  if (!std::filesystem::exists("/work/realdata/home.done")) GTEST_SKIP() << "no real database";
+  const std::string real = testsupport::RealHome();
+  if (real.empty()) GTEST_SKIP() << "TESSARIN_REAL_HOME names no real database";
   shelltest::TestContext t;
   std::filesystem::create_directories(t.Path("DataFiles"));
   std::filesystem::create_symlink(real + "DataFiles/index", t.Path("DataFiles/index"));

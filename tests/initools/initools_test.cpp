@@ -11,6 +11,7 @@
 #include "core/work.h"
 #include "search/searchtestsupport.h"
 #include "store/indexfile.h"
+#include "support/realdata.h"
 #include "support/testfiles.h"
 
 namespace tessarin {
@@ -226,11 +227,11 @@ TEST(IniSet, OnePassGivesWhatOneSearchPerValueGives) {
 }
 
 TEST(IniSet, TheRealDatabaseWhenOneIsNamed) {
-  const char* home = std::getenv("TESSARIN_REAL_HOME");
-  if (!home) GTEST_SKIP() << "TESSARIN_REAL_HOME names no real database";
+  const std::string home = testsupport::RealHome();
+  if (home.empty()) GTEST_SKIP() << "TESSARIN_REAL_HOME names no real database";
   TempFolder folder;
   AppContext ctx(folder.Path());
-  ASSERT_TRUE(LoadIndex(ctx.store, ctx.log, IndexFilePath(AddSlash(home))));
+  ASSERT_TRUE(LoadIndex(ctx.store, ctx.log, IndexFilePath(home)));
   for (int row = 0; row < kIniSetFiles; ++row) {
     EXPECT_EQ(IniSetFileText(ctx.store, row, 0, nullptr), IniSetFileTextPlain(ctx.store, row, 0))
         << row;

@@ -14,6 +14,7 @@
 #include "plainsearch.h"
 #include "searchtestsupport.h"
 #include "store/indexfile.h"
+#include "support/realdata.h"
 
 namespace tessarin {
 namespace {
@@ -398,11 +399,11 @@ TEST(EngineRandom, FastEqualsPlainOnRandomDatabases) {
 // On a real database when one is named (TESSARIN_REAL_HOME, an application folder with
 // DataFiles/index): the same comparison with criteria drawn from its own tables.
 TEST(EngineReal, FastEqualsPlainOnARealDatabase) {
-  const QByteArray home = qgetenv("TESSARIN_REAL_HOME");
-  if (home.isEmpty()) GTEST_SKIP() << "TESSARIN_REAL_HOME not set";
+  const std::string home = testsupport::RealHome();
+  if (home.empty()) GTEST_SKIP() << "TESSARIN_REAL_HOME names no real database";
   searchtest::ContextHolder holder;
   GameStore& store = holder.ctx().store;
-  ASSERT_TRUE(LoadIndex(store, holder.ctx().log, IndexFilePath(home.toStdString())));
+  ASSERT_TRUE(LoadIndex(store, holder.ctx().log, IndexFilePath(home)));
   const SearchLists lists = FillSearchLists(store, holder.ctx().messages);
   std::mt19937 rng(2026);
   for (int round = 0; round < 60; ++round) {
