@@ -4,7 +4,7 @@ namespace tessarin {
 
 std::vector<DownloadLine> DownloadLinesOf(const UrlTables& tables) {
   std::vector<DownloadLine> lines;
-  for (int i = 0; i < kDataFileCount; ++i) {
+  for (int i = 0; i < kSiteListFileCount; ++i) {
     const size_t n = static_cast<size_t>(i);
     DownloadLine line;
     line.name = std::string(kDataFileNames[n]);

@@ -26,7 +26,7 @@ std::string MawsDefault(std::string_view path) {
 std::string DefaultSite(int index) {
   // The hosts are placeholders under the reserved .invalid domain: the user puts the sites of
   // the day in Tessarin.url.inf. The paths are those each kind of site has always used.
-  static constexpr std::array<std::string_view, kDataFileCount> sites = {
+  static constexpr std::array<std::string_view, kSiteListFileCount> sites = {
       "http://history.example.invalid/",
       "http://catver.example.invalid/?catlist",
       "http://catver.example.invalid/?catlist",
@@ -38,7 +38,7 @@ std::string DefaultSite(int index) {
       "http://command.example.invalid/~command/",
       "http://data.example.invalid/highscore/",
       "http://controls.example.invalid/controls.php"};
-  if (index < 0 || index >= kDataFileCount) return {};
+  if (index < 0 || index >= kSiteListFileCount) return {};
   return std::string(sites[static_cast<std::size_t>(index)]);
 }
 
@@ -60,7 +60,7 @@ std::string DefaultOnlineImage(int index) {
 }
 
 void UrlTables::SetDefaults() {
-  for (int i = 0; i < kDataFileCount; ++i) {
+  for (int i = 0; i < kSiteListFileCount; ++i) {
     SiteList[static_cast<std::size_t>(i)] = DefaultSite(i);
     FileList[static_cast<std::size_t>(i)].clear();
   }
@@ -160,7 +160,7 @@ bool WriteUrlList(UrlTables& tables, const std::string& appFolder, Log& log) {
     line(";");
     line("; Modifiez ici les adresses des sites en cas de changement.");
     line(";");
-    for (int i = 0; i < kDataFileCount; ++i) {
+    for (int i = 0; i < kSiteListFileCount; ++i) {
       line("SITE_" + Padded(kDataFileNames[static_cast<std::size_t>(i)]) + "= " +
            tables.SiteList[static_cast<std::size_t>(i)]);
     }
@@ -174,7 +174,7 @@ bool WriteUrlList(UrlTables& tables, const std::string& appFolder, Log& log) {
     line("; Cette liste peut être éditée ou");
     line("; modifiée directement dans Tessarin.");
     line(";");
-    for (int i = 0; i < kDataFileCount; ++i) {
+    for (int i = 0; i < kSiteListFileCount; ++i) {
       line(Padded(kDataFileNames[static_cast<std::size_t>(i)]) + "= " +
            tables.FileList[static_cast<std::size_t>(i)]);
     }

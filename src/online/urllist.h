@@ -10,8 +10,8 @@ namespace tessarin {
 class Log;
 
 // The data files whose sites and download addresses the site list keeps, by index.
-inline constexpr int kDataFileCount = 11;
-inline constexpr std::array<std::string_view, kDataFileCount> kDataFileNames = {
+inline constexpr int kSiteListFileCount = 11;
+inline constexpr std::array<std::string_view, kSiteListFileCount> kDataFileNames = {
     "History",  "Catver", "Cat32",   "Wizsort", "Nplayers", "Nplayers32",
     "Mameinfo", "Cheat",  "Command", "Hiscore", "Controls"};
 // The keys of the on-line image patterns, 1 to 6 (titles, snap, marquees, cabinets, control
@@ -36,9 +36,9 @@ inline constexpr std::string_view kDefaultMawsBase = "http://maws.example.invali
 // Every address Tessarin fetches or links to, filled at start by LoadUrlList.
 struct UrlTables {
   // Home page of each data file's site, 0 to 10 (kDataFileNames).
-  std::array<std::string, kDataFileCount> SiteList;
+  std::array<std::string, kSiteListFileCount> SiteList;
   // Direct download address of each data file, 0 to 10; empty by default.
-  std::array<std::string, kDataFileCount> FileList;
+  std::array<std::string, kSiteListFileCount> FileList;
   // "name:address" rows, from 1; element 0 is unused.
   std::vector<std::string> SearchEngines{std::string()};
   // Address pattern of each image kind, 1 to 6; element 0 is unused. Empty until the file is
