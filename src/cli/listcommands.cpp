@@ -31,6 +31,13 @@ int FieldByName(std::string_view name) {
   return -1;
 }
 
+// A named INI file that isn't there selects every game, as in the list window; the command line
+// says so, on standard error, so that a mistyped name isn't taken for a wish.
+void WarnOfAMissingIni(CliSession& session, const std::string& ini) {
+  if (ini.empty() || FileExists(std::string(TrimBlanks(ini)))) return;
+  session.Error("No INI file at " + ini + ": every game is written");
+}
+
 void AddList(CliRegistry& registry) {
   struct Options {
     std::string fields, separator, ini, out, format = "text";
@@ -84,7 +91,7 @@ void AddList(CliRegistry& registry) {
           radio = SeparatorRadio::Comma;
         } else if (s == "space") {
           radio = SeparatorRadio::Space;
-        } else if (s.size() == 1) {
+        } else if (FirstCharacter(s).size() == s.size()) {
           radio = SeparatorRadio::Other;
           other = s;
         } else {
@@ -96,10 +103,7 @@ void AddList(CliRegistry& registry) {
         request.format.quote = o->quotes ? "\"" : "";
         request.iniFile = o->ini;
         request.outputPath = o->out;
-        if (!o->ini.empty() && !FileExists(std::string(TrimBlanks(o->ini)))) {
-          session.Error("No INI file at " + o->ini);
-          return kExitUsage;
-        }
+        WarnOfAMissingIni(session, o->ini);
         if (!session.EnsureLoaded()) return kExitFailed;
         AppContext& ctx = session.Ctx();
         Work& work = session.CurrentWork();
@@ -130,7 +134,7 @@ void AddList(CliRegistry& registry) {
                  "Put every value between quotation marks (CSV: quote every cell)");
   list->add_option("--ini", o->ini,
                    "An INI file of rom names: list only those, in its order (names are cut to "
-                   "8 characters, as the list dialog does)");
+                   "8 characters, as the list dialog does); a missing file lists every game");
   list->add_option("--out", o->out, "The list file to write (replaced)")->required();
   list->add_option("--format", o->format,
                    "text (the list dialog's format, the default) or csv (RFC 4180, UTF-8, "
@@ -148,10 +152,7 @@ void AddDat(CliRegistry& registry) {
       "Write a rom manager's data file through dat_mask.dat of the application folder "
       "(written with the clrmamepro format when missing)",
       [o](CliSession& session) {
-        if (!o->ini.empty() && !FileExists(std::string(TrimBlanks(o->ini)))) {
-          session.Error("No INI file at " + o->ini);
-          return kExitUsage;
-        }
+        WarnOfAMissingIni(session, o->ini);
         if (!session.EnsureLoaded()) return kExitFailed;
         AppContext& ctx = session.Ctx();
         DatMask mask;
@@ -178,7 +179,10 @@ void AddDat(CliRegistry& registry) {
         session.Print("Data file written to " + o->out);
         return kExitOk;
       });
-  dat->add_option("--ini", o->ini, "An INI file of rom names: export only those, in its order");
+  dat->add_option(
+      "--ini", o->ini,
+      "An INI file of rom names: export only those, in its order; a missing file exports "
+      "every game");
   dat->add_option("--out", o->out, "The data file to write (replaced)")->required();
 }
 

@@ -54,6 +54,21 @@ bool EndsWithNoCase(std::string_view text, std::string_view ending) {
          EqualsNoCase(text.substr(text.size() - ending.size()), ending);
 }
 
+std::string_view FirstCharacter(std::string_view text) {
+  if (text.empty()) return text;
+  const auto lead = static_cast<unsigned char>(text[0]);
+  const size_t length = lead < 0x80           ? 1
+                        : (lead >> 5) == 0x6  ? 2
+                        : (lead >> 4) == 0xE  ? 3
+                        : (lead >> 3) == 0x1E ? 4
+                                              : 1;
+  if (length > text.size()) return text.substr(0, 1);
+  for (size_t i = 1; i < length; ++i) {
+    if ((static_cast<unsigned char>(text[i]) & 0xC0) != 0x80) return text.substr(0, 1);
+  }
+  return text.substr(0, length);
+}
+
 bool WildcardMatch(std::string_view pattern, std::string_view name) {
   // Iterative, with one back-tracking point: linear in practice.
   size_t p = 0, n = 0, starP = std::string_view::npos, starN = 0;

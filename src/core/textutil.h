@@ -39,6 +39,9 @@ bool EqualsNoCase(std::string_view a, std::string_view b);
 bool StartsWith(std::string_view text, std::string_view prefix);
 bool StartsWithNoCase(std::string_view text, std::string_view prefix);
 bool EndsWithNoCase(std::string_view text, std::string_view ending);
+// The first character of a UTF-8 text, with all its bytes; the first byte alone when the text
+// doesn't start with a whole UTF-8 sequence. Empty for the empty text.
+std::string_view FirstCharacter(std::string_view text);
 // '*' and '?' against a name, without regard to ASCII case.
 bool WildcardMatch(std::string_view pattern, std::string_view name);
 

@@ -245,7 +245,7 @@ SeparatorRadio RadioFromSeparatorSetting(std::string_view stored, std::string_vi
 
 std::string OtherTextFromSetting(std::string_view stored) {
   if (stored.empty() || stored == "-1") return {};
-  return std::string(stored.substr(0, 1));
+  return std::string(FirstCharacter(stored));
 }
 
 std::string SelectionSettingText(const std::vector<bool>& selected) {
@@ -457,9 +457,11 @@ void FormatListLine(const std::vector<std::string_view>& cells, const TextListFo
     line += format.separator;
   }
   // One character off the end when it is the separator: that drops the separator behind the
-  // last cell, and nothing else, even when the last cell itself ends in the separator.
-  if (!line.empty() && std::string_view(line).substr(line.size() - 1) == format.separator) {
-    line.pop_back();
+  // last cell, and nothing else, even when the last cell itself ends in the separator. A
+  // separator typed outside ASCII is one character of several bytes.
+  if (!format.separator.empty() && line.size() >= format.separator.size() &&
+      std::string_view(line).substr(line.size() - format.separator.size()) == format.separator) {
+    line.resize(line.size() - format.separator.size());
   }
 }
 

@@ -35,6 +35,18 @@ TEST(TextUtil, AsciiCaseKeepsOtherBytes) {
   EXPECT_FALSE(WildcardMatch("*.png", "snap.png.txt"));
 }
 
+TEST(TextUtil, FirstCharacterTakesAWholeUtf8Sequence) {
+  EXPECT_EQ(FirstCharacter(""), "");
+  EXPECT_EQ(FirstCharacter("ab"), "a");
+  EXPECT_EQ(FirstCharacter("\xC3\xA9t\xC3\xA9"), "\xC3\xA9");
+  EXPECT_EQ(FirstCharacter("\xE2\x82\xAC!"), "\xE2\x82\xAC");
+  EXPECT_EQ(FirstCharacter("\xF0\x9F\x98\x80"), "\xF0\x9F\x98\x80");
+  // Not UTF-8: one byte, as an older single-byte setting holds it.
+  EXPECT_EQ(FirstCharacter("\xE9t\xE9"), "\xE9");
+  EXPECT_EQ(FirstCharacter("\xC3"), "\xC3");
+  EXPECT_EQ(FirstCharacter("\xE2\x82"), "\xE2");
+}
+
 TEST(TextUtil, SplitKeepsEmptyPiecesAndEveryLineEnd) {
   EXPECT_EQ(Split("a;;b;", ';'), (std::vector<std::string_view>{"a", "", "b", ""}));
   EXPECT_EQ(Split("", ';'), (std::vector<std::string_view>{""}));

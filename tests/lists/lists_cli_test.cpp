@@ -104,10 +104,6 @@ TEST_F(ListsCli, ListRefusesWhatItCantDo) {
   r = Run({"list", "--fields", "RomName", "--separator", "pipe", "--out", home.Path("x.txt")});
   EXPECT_EQ(r.exitCode, 2);
   EXPECT_NE(r.err.find("pipe"), std::string::npos) << r.err;
-  r = Run({"list", "--fields", "RomName", "--ini", home.Path("missing.ini"), "--out",
-           home.Path("x.txt")});
-  EXPECT_EQ(r.exitCode, 2);
-  EXPECT_NE(r.err.find("missing.ini"), std::string::npos) << r.err;
   r = Run({"list", "--fields", "RomName"});
   EXPECT_EQ(r.exitCode, 2);
   r = Run({"list", "--fields", "RomName", "--format", "xls", "--out", home.Path("x.txt")});
@@ -133,6 +129,26 @@ TEST_F(ListsCli, DatWritesWhatTheDialogWritesAndTheMask) {
   ASSERT_EQ(ExportDatList(home.ctx, work, ListsFixture("names.ini"), home.Path("dialog-ini.dat")),
             DatExportResult::Done);
   EXPECT_EQ(ReadFile(home.Path("cli-ini.dat")), ReadFile(home.Path("dialog-ini.dat")));
+}
+
+// A named INI file that isn't there selects every game, as in the window, and is told.
+TEST_F(ListsCli, AMissingIniFileGivesEveryGameAndIsTold) {
+  const std::string missing = home.Path("missing.ini");
+  CliResult r = Run({"list", "--fields", "RomName", "--ini", missing, "--out", home.Path("a.txt")});
+  ASSERT_EQ(r.exitCode, 0) << r.err;
+  EXPECT_NE(r.err.find(missing), std::string::npos) << r.err;
+  r = Run({"list", "--fields", "RomName", "--out", home.Path("b.txt")});
+  ASSERT_EQ(r.exitCode, 0) << r.err;
+  EXPECT_EQ(ReadFile(home.Path("a.txt")), ReadFile(home.Path("b.txt")));
+  EXPECT_NE(ReadFile(home.Path("a.txt")).find("mygame\r\n"), std::string::npos);
+
+  r = Run({"dat", "--ini", missing, "--out", home.Path("a.dat")});
+  ASSERT_EQ(r.exitCode, 0) << r.err;
+  EXPECT_NE(r.err.find(missing), std::string::npos) << r.err;
+  Work work;
+  ASSERT_EQ(ExportDatList(home.ctx, work, missing, home.Path("dialog.dat")), DatExportResult::Done);
+  EXPECT_EQ(ReadFile(home.Path("a.dat")), ReadFile(home.Path("dialog.dat")));
+  EXPECT_NE(ReadFile(home.Path("a.dat")).find("\tname mygame\r\n"), std::string::npos);
 }
 
 TEST_F(ListsCli, DatWithAMaskWithoutStartFails) {

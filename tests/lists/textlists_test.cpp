@@ -116,6 +116,12 @@ TEST(ListSettings, OtherTextIsTheFirstCharacter) {
   EXPECT_EQ(OtherTextFromSetting(""), "");
 }
 
+TEST(ListSettings, OtherTextOutsideAsciiIsOneWholeCharacter) {
+  EXPECT_EQ(OtherTextFromSetting("\xC2\xA7"), "\xC2\xA7");  // the section sign, in UTF-8
+  EXPECT_EQ(OtherTextFromSetting("\xC3\xA9x"), "\xC3\xA9");
+  EXPECT_EQ(OtherTextFromSetting("\xA7x"), "\xA7");  // a lone byte of an older setting
+}
+
 TEST(ListSettings, SelectionShorterOrLongerThanTheList) {
   std::vector<bool> selected(47, false);
   EXPECT_EQ(SelectionSettingText({true, false, true}), "101");
@@ -176,6 +182,18 @@ TEST(TextListFormat, ValuesAreWrittenAsTheyStand) {
   EXPECT_EQ(line, "x;ends;");
   FormatListLine({}, bare, line);
   EXPECT_EQ(line, "");
+}
+
+TEST(TextListFormat, ASeparatorOfSeveralBytesIsDroppedWhole) {
+  TextListFormat format{"\xC2\xA7", "", false};
+  std::string line;
+  FormatListLine({"pacman", "1980"}, format, line);
+  EXPECT_EQ(line,
+            "pacman\xC2\xA7"
+            "1980");
+  TextListFormat quoted{"\xC2\xA7", "\"", false};
+  FormatListLine({"pacman", "1980"}, quoted, line);
+  EXPECT_EQ(line, "\"pacman\"\xC2\xA7\"1980\"");
 }
 
 TEST(TextListFormat, CsvQuotesOnlyWhenNeeded) {
