@@ -577,9 +577,15 @@ void SearchDialog::ShowGameFromList(const std::string& romName) {
     }
     return;
   }
+  // A jump box whose text gives no rom name shows the page of the focused line's game.
+  std::string rom = romName;
+  if (rom.empty()) {
+    std::string title;
+    FocusedGame(rom, title);
+  }
   std::string page;
   const FoundPageResult result =
-      ShowFoundPage(m_ctx, SearchGamePageHooks(), FromQt(m_combo[18]->currentText()), romName,
+      ShowFoundPage(m_ctx, SearchGamePageHooks(), FromQt(m_combo[18]->currentText()), rom,
                     m_online->isChecked(), page);
   switch (result) {
     case FoundPageResult::Written:

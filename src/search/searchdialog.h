@@ -78,8 +78,10 @@ class SearchDialog final : public QDialog {
       AskText;
 
   // The actions, callable without a click.
-  void RunSearch();          // Command1
-  void Show();               // Command2, double click
+  void RunSearch();  // Command1
+  void Show();       // Command2, double click
+  // The game sheet of a rom, or its HTML page while Chk1 is on.
+  void ShowGameFromList(const std::string& romName);
   void DeleteRoms();         // Command3
   void MoveRoms();           // Command4
   void CopyRoms();           // Command5
@@ -119,7 +121,6 @@ class SearchDialog final : public QDialog {
   std::vector<std::string> PickedLines() const;
   // The focused line's rom and title; empty when there is none or it is message 334.
   bool FocusedGame(std::string& rom, std::string& title) const;
-  void ShowGameFromList(const std::string& romName);
   bool CopyListedRoms(const std::vector<std::string>& names);
   void ChangeList(bool add);
   void SetLines(std::vector<std::string> lines);

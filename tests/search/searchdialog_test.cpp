@@ -27,6 +27,7 @@
 #include "core/fileservices.h"
 #include "online/urllist.h"
 #include "search/foundpage.h"
+#include "search/resultactions.h"
 #include "searchtestsupport.h"
 #include "shell/desktopshellui.h"
 #include "shell/mainframe.h"
@@ -448,6 +449,22 @@ TEST_F(Dialog, ShowOpensTheSheetOrTheHtmlPage) {
   Child<QCheckBox>("Chk1")->setChecked(false);
   m_dialog->Show();
   EXPECT_EQ(sheets.size(), 1u);
+}
+
+// An empty rom name (a jump box entry whose name would end two characters before its "-")
+// shows the page of the focused line's game.
+TEST_F(Dialog, AnEmptyRomNameShowsTheFocusedLinesPage) {
+  SearchGamePageHooks().FillGamePage = [](AppContext&, const std::string&, const std::string& rom,
+                                          bool) { return "<h1>" + rom + "</h1>"; };
+  SearchGamePageHooks().DefaultTemplate = [] { return std::string("#ROMNAME"); };
+  fs::create_directories(Ctx().AppFolder() + "HTML");
+  Open();
+  Find(QStringLiteral("street"));
+  Select({1});
+  Child<QCheckBox>("Chk1")->setChecked(true);
+  m_dialog->ShowGameFromList(RomFromRomFirstEntry("a-b"));
+  ASSERT_EQ(m_ui.opened.size(), 1u);
+  EXPECT_EQ(ReadFile(m_ui.opened[0]), "<h1>sf2j</h1>");
 }
 
 TEST_F(Dialog, JumpBoxesFillOnceAndOpenTheGame) {
