@@ -73,6 +73,11 @@ void AddSite(CliRegistry& registry) {
           session.Error("No INI file at " + o->ini);
           return kExitFailed;
         }
+        // An empty INI file stops before anything is made, as the list window's INI button does.
+        if (!o->ini.empty() && !IsLoadableIniFile(o->ini)) {
+          session.Error("The INI file " + o->ini + " is empty: nothing built");
+          return kExitFailed;
+        }
         if (!session.EnsureLoaded()) return kExitFailed;
         AppContext& ctx = session.Ctx();
         if (!MakeSiteTempFolder(ctx)) {

@@ -371,6 +371,13 @@ std::string CompleteListLine(const AppContext& ctx, std::string_view sortKey) {
   return line;
 }
 
+bool IsLoadableIniFile(const std::string& iniPath) {
+  if (iniPath.empty() || !FileExists(iniPath)) return false;
+  std::error_code error;
+  const auto size = std::filesystem::file_size(FsPath(iniPath), error);
+  return !error && size > 0;
+}
+
 bool LoadHtmlGameNames(AppContext& ctx, Work& work, const std::string& iniPath,
                        std::vector<std::string>& names) {
   names.assign(1, std::string());
@@ -492,7 +499,8 @@ HtmlSiteResult BuildHtmlSite(AppContext& ctx, Work& work, const HtmlSiteRequest&
   };
 
   RunGuarded(ctx.log, 6201, [&] {
-    if (cancelled()) return;
+    // A cancel given during the image copies still lets the keys be made and the game
+    // template's companions be copied: the game loop is where it stops.
     // 6. Sort keys: by description, the position breaking ties.
     MakeSortKeys(store, htmlGameNames);
     std::sort(htmlGameNames.begin() + 1, htmlGameNames.end());

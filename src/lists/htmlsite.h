@@ -44,6 +44,10 @@ struct HtmlSiteStats {
   std::string indexPath;  // <destination>/tessarin/index.htm
 };
 
+// Whether an INI file of names is there to be loaded: it exists and isn't empty. The INI button
+// stops without a word when it isn't.
+bool IsLoadableIniFile(const std::string& iniPath);
+
 // Loads the rom names of an INI file into `names` (from 1; element 0 empty): each line, as it
 // stands, that names a game of the database; section lines, blanks around a name and unknown
 // names are skipped silently. False on cancel; true otherwise, also for an empty or missing

@@ -18,9 +18,7 @@ void BuildHtmlSiteFromDialog(ListDialog& dialog, bool useIniFile) {
     const std::string file =
         ctx.Ui().ChooseFile(ctx.messages.Lng(175), "folder.ini",
                             "Fichiers ini (*.ini)|*.ini|Tous les fichies|*.*|", false);
-    if (file.empty() || !FileExists(file)) return;
-    std::error_code error;
-    if (std::filesystem::file_size(FsPath(file), error) == 0 || error) return;
+    if (!IsLoadableIniFile(file)) return;
     dialog.hide();
     const bool loaded =
         RunWithWorkingDialog(dialog.parentWidget(), ctx, ctx.messages.Lng(176),

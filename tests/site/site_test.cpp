@@ -480,8 +480,11 @@ TEST(SiteTest, FolderThatCantBeMadeIsToldAndStopsTheBuild) {
 
 TEST(SiteTest, CancelKeepsWhatWasWrittenAndSaysNothing) {
   SiteHome home;
+  home.MakeSmallSkin();
+  WriteFile(home.Path("HTML/small.skin/rom.css"), "rom style");
   HtmlSiteRequest request;
   request.destination = home.out.path().toStdString();
+  request.skin = "small.skin";
   Work work;
   work.CancelRequested = true;
   std::vector<std::string> names{std::string()};
@@ -490,6 +493,12 @@ TEST(SiteTest, CancelKeepsWhatWasWrittenAndSaysNothing) {
   EXPECT_TRUE(home.ui.opened.empty());
   EXPECT_TRUE(std::filesystem::is_directory(Site(home) + "roms"));
   EXPECT_FALSE(std::filesystem::exists(Site(home) + "index.htm"));
+  // The steps before the game pages still ran: the names became sort keys and the game
+  // template's companions were copied; no game page was written.
+  ASSERT_EQ(names.size(), 11u);
+  EXPECT_GT(names[1].size(), 100u);
+  EXPECT_EQ(ReadFile(Site(home) + "roms/rom.css"), "rom style");
+  EXPECT_FALSE(std::filesystem::exists(Site(home) + "roms/bravo.htm"));
 }
 
 // A cancel between two game pages: the pages written stay, nothing after them is written, the
@@ -768,6 +777,13 @@ TEST(SiteCommand, IniFileAndWrongArguments) {
   const CliResult noIni = RunSite(home, {"--out", out, "--ini", home.Path("missing.ini")});
   EXPECT_EQ(noIni.exitCode, 1);
   EXPECT_NE(noIni.err.find(home.Path("missing.ini")), std::string::npos) << noIni.err;
+  // An empty INI file stops before anything is made.
+  WriteFile(home.Path("empty.ini"), "");
+  const std::string untouched = home.Path("nothing");
+  const CliResult emptyIni = RunSite(home, {"--out", untouched, "--ini", home.Path("empty.ini")});
+  EXPECT_EQ(emptyIni.exitCode, 1);
+  EXPECT_NE(emptyIni.err.find("empty"), std::string::npos) << emptyIni.err;
+  EXPECT_FALSE(std::filesystem::exists(untouched));
   const CliResult noOut = RunSite(home, {});
   EXPECT_EQ(noOut.exitCode, 2);
   // An empty destination is refused rather than taken as the root of the file system.
