@@ -435,10 +435,13 @@ std::string IniSetFileText(const GameStore& store, int row, int sort, Work* work
   std::string text;
   const int count = ValueCount(store, row);
   const RowKind kind = KindOfRow(row);
+  // Each value's section line is written before the cancel is looked at, and its names after:
+  // a cancelled file ends with a bare section line.
   if (kind.tag == 0) {
     text += SectionLine(store, row, 1) + "\r\n";
-    AppendNames(store, SearchGames(store, CriterionOf(store, row, 1)), sort, text);
     if (work) work->ProgressValue = work->ProgressMax.load();
+    if (work && work->CancelRequested) return text;
+    AppendNames(store, SearchGames(store, CriterionOf(store, row, 1)), sort, text);
     return text;
   }
   // One pass: each game under every position its record names for the row's tag.
@@ -456,12 +459,12 @@ std::string IniSetFileText(const GameStore& store, int row, int sort, Work* work
   if (work) work->ProgressMax = std::max(1, count);
   const std::vector<int> none;
   for (int value = 1; value <= count; ++value) {
-    if (work && work->CancelRequested) break;
     text += SectionLine(store, row, value) + "\r\n";
+    if (work) work->ProgressValue = value;
+    if (work && work->CancelRequested) break;
     // A search by a table text finds the games of its first equal entry.
     const int position = FindInTable(table[static_cast<size_t>(value)], table, true);
     AppendNames(store, position > 0 ? byPosition[static_cast<size_t>(position)] : none, sort, text);
-    if (work) work->ProgressValue = value;
   }
   return text;
 }

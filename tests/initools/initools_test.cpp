@@ -213,6 +213,15 @@ TEST(IniSet, TheYearExample) {
   EXPECT_EQ(IniSetFileText(store, 1, 2, nullptr), "[1980]\r\naaa\r\nbbb\r\n[1981]\r\n");
 }
 
+// A cancel is looked at behind each value's section line: the file ends with a bare one.
+TEST(IniSet, ACancelEndsWithTheSectionLineOfTheValue) {
+  const GameStore store = YearStore();
+  Work work;
+  work.CancelRequested = true;
+  EXPECT_EQ(IniSetFileText(store, 1, 1, &work), "[1980]\r\n");
+  EXPECT_EQ(work.ProgressValue.load(), 1);
+}
+
 TEST(IniSet, OnePassGivesWhatOneSearchPerValueGives) {
   for (unsigned seed = 1; seed <= 12; ++seed) {
     GameStore store;
