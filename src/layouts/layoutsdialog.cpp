@@ -486,8 +486,8 @@ void LayoutsExpertDialog::Unload() {
   ReadFolders();
   m_ctx.settings.InfWrite("Frm17Width", width());
   m_ctx.settings.InfWrite("Frm17Height", height());
-  m_ctx.settings.InfWrite("LayoutPreview", m_preview->isChecked() ? "1" : "0");
-  m_ctx.settings.InfWrite("DeleteZipAfter", m_deleteZip->isChecked() ? "1" : "0");
+  m_ctx.settings.InfWrite("LayoutPreview", m_preview->isChecked() ? "1" : "");
+  m_ctx.settings.InfWrite("DeleteZipAfter", m_deleteZip->isChecked() ? "1" : "");
   SaveLayoutPaths(m_ctx, m_paths);
 }
 

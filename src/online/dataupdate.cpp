@@ -132,7 +132,8 @@ DataUpdateOutcome CheckDataUpdate(AppContext& ctx, Work& work, bool silentAsk, b
     if (!before.empty()) ui.ShowMessage(false, before, {}, Icon::Information);
 
     work.SetStatus("Downloading data...");
-    const std::string package = downloads + address.substr(slash + 1);
+    const std::string packageName = address.substr(slash + 1);
+    const std::string package = downloads + packageName;
     if (DownloadFile(address, package, false, &work) != kDownloadOk) {
       outcome = DataUpdateOutcome::DownloadFailed;
       if (!silentAsk) ui.ShowMessage(false, m.Lng(391), {}, Icon::Information);
@@ -148,7 +149,7 @@ DataUpdateOutcome CheckDataUpdate(AppContext& ctx, Work& work, bool silentAsk, b
     outcome = DataUpdateOutcome::Updated;
     if (!unpacked || !unzipError.empty()) {
       outcome = DataUpdateOutcome::UnzipFailed;
-      ctx.log.WriteLogLine("Error while unzipping " + package + " : " + unzipError);
+      ctx.log.WriteLogLine("Error while unzipping " + packageName + " : " + unzipError);
       unzipError.clear();
       ui.ShowMessage(false, "WARNING! Error while unzipping. See Log file.", {}, Icon::Stop);
     }

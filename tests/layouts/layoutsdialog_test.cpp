@@ -153,6 +153,8 @@ TEST_P(LayoutsDialogTest, ExpertDialogListsSortsFiltersAndDownloads) {
   Child<QCheckBox>(&dialog, "Chk2")->setChecked(true);
   dialog.close();
   EXPECT_EQ(ctx.settings.InfRead("DeleteZipAfter"), "1");
+  // A box left off is kept as its tag is: the empty text.
+  EXPECT_EQ(ctx.settings.InfRead("LayoutPreview"), "");
 }
 
 TEST_P(LayoutsDialogTest, UpdateDialogKeepsItsBoxAndChecksNow) {

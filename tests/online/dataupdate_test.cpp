@@ -181,7 +181,8 @@ TEST_F(DataUpdateTest, ABrokenPackageReplacesNothingButReloadsTheIndex) {
   EXPECT_EQ(Run(false), DataUpdateOutcome::UnzipFailed);
   EXPECT_EQ(ReadFile(IndexFilePath(folder.Path())), before);
   EXPECT_FALSE(std::filesystem::exists(folder.Path() + "DataFiles/extra.ini"));
-  EXPECT_NE(Log().find("Error while unzipping "), std::string::npos);
+  // The log names the package by its file name.
+  EXPECT_NE(Log().find("Error while unzipping data.zip : "), std::string::npos) << Log();
   EXPECT_TRUE(ui.Showed("WARNING! Error while unzipping. See Log file."));
   EXPECT_EQ(ctx.store.DatabaseVersion, "MAME v0.250 (old)");  // reloaded all the same
   EXPECT_EQ(panelLabel, ctx.messages.Lng(325) + " : MAME v0.250 (old)");
