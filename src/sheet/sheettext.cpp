@@ -234,7 +234,10 @@ SheetText LayOutSheetText(const GameDetails& d, const SheetDetailLists& lists,
 
 SheetText LayOutSheetText(const GameDetails& details, GameDetailsLoader& loader,
                           const Messages& messages, SheetTextMode mode) {
-  const std::string clones = loader.BuildClonesList(details.RomName, false);
+  // A game that isn't in the database has empty values only: the empty name would otherwise
+  // begin every parent field and list the whole database as its clones.
+  const std::string clones =
+      details.RomName.empty() ? std::string() : loader.BuildClonesList(details.RomName, false);
   // Only a game without a Mameinfo entry of its own looks at its parent's.
   const std::string parentMameinfo =
       details.Mameinfo.empty() ? loader.ReadMameinfoEntry(details.CloneOf) : std::string();

@@ -240,6 +240,8 @@ TEST(SheetText, UnknownGameAndEmptyDatabase) {
   SheetText t = ShowGameText(home.ctx, loader, "nosuchgame");
   EXPECT_NE(t.Text1.find("Name of Rom : \r\n"), std::string::npos);
   EXPECT_NE(t.Text1.find("This is the original Rom."), std::string::npos);
+  // Empty values: no clones row, though every parent field begins with the empty name.
+  EXPECT_EQ(t.Text1.find("Clones list"), std::string::npos) << t.Text1;
   EXPECT_EQ(t.Label1, "");
 
   home.ctx.store.Clear();
