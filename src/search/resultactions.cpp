@@ -153,10 +153,11 @@ std::string ClipboardText(const std::string& caption, const std::vector<std::str
 }
 
 std::string TextFileText(const std::string& caption, const std::vector<std::string>& lines,
-                         bool addZip, int longest, std::string_view noRomText) {
+                         bool addZip, int longest) {
   std::string text = caption + "\r\n";
+  // Every line is rebuilt, the line of a search that found nothing too.
   for (const std::string& line : lines) {
-    if (!addZip || line == noRomText) {
+    if (!addZip) {
       text += line + "\r\n";
       continue;
     }

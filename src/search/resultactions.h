@@ -54,9 +54,9 @@ std::string MakeIniText(const std::string& folderName, const std::vector<std::st
 std::string ClipboardText(const std::string& caption, const std::vector<std::string>& lines);
 // The text file: the caption, then every line. With `addZip` a game line becomes its rom name,
 // ".zip" and blanks cut to exactly 14 characters, followed by the line from the character behind
-// `longest`; the line of message 334 stays as it is.
+// `longest`, the line of message 334 included.
 std::string TextFileText(const std::string& caption, const std::vector<std::string>& lines,
-                         bool addZip, int longest, std::string_view noRomText);
+                         bool addZip, int longest);
 
 // The count caption of Label3: the number and message 335.
 std::string CountCaption(size_t count, const Messages& messages);

@@ -670,8 +670,8 @@ void SearchDialog::SaveTextFile() {
       m.Lng(321), {}, m.Lng(139) + " (*.txt)|*.txt|" + m.Lng(33) + " |*.*|", true);
   if (path.empty()) return;
   const bool addZip = m_ctx.Ui().AskYesNo(m.Lng(473), {}, Icon::Question);
-  const std::string text = TextFileText(FromQt(m_count->text()), Lines(), addZip,
-                                        m_ctx.store.LongestNameLength, m.Lng(334));
+  const std::string text =
+      TextFileText(FromQt(m_count->text()), Lines(), addZip, m_ctx.store.LongestNameLength);
   if (!WriteFileAtomically(path, text)) {
     m_ctx.Ui().ShowMessage(false, "Can't write " + path, m.Lng(29), Icon::Stop);
     return;

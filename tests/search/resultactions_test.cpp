@@ -127,10 +127,18 @@ TEST(ActionTexts, TextFileCutsTheNameColumnToFourteen) {
   // A name column of 12: a rom of 12 characters keeps only ".z" of its extension.
   const std::string longName = "abcdefghijkl Long title";
   const std::string shortName = "pac          Short";
-  EXPECT_EQ(TextFileText("cap", {longName, shortName, kNoRom}, true, 12, kNoRom),
-            "cap\r\nabcdefghijkl.z Long title\r\npac.zip        Short\r\n" + std::string(kNoRom) +
-                "\r\n");
-  EXPECT_EQ(TextFileText("cap", {longName}, false, 12, kNoRom), "cap\r\n" + longName + "\r\n");
+  EXPECT_EQ(TextFileText("cap", {longName, shortName}, true, 12),
+            "cap\r\nabcdefghijkl.z Long title\r\npac.zip        Short\r\n");
+  EXPECT_EQ(TextFileText("cap", {longName}, false, 12), "cap\r\n" + longName + "\r\n");
+}
+
+TEST(ActionTexts, TextFileRebuildsTheNothingFoundLineToo) {
+  ASSERT_EQ(std::string(kNoRom), "NO ROM FOUND !");
+  // Its first 12 characters are taken for a name.
+  EXPECT_EQ(TextFileText("cap", {kNoRom}, true, 12), "cap\r\nNO ROM FOUND.z !\r\n");
+  // With a name column of 14 or more it comes out as it was.
+  EXPECT_EQ(TextFileText("cap", {kNoRom}, true, 15), "cap\r\nNO ROM FOUND !\r\n");
+  EXPECT_EQ(TextFileText("cap", {kNoRom}, false, 12), "cap\r\nNO ROM FOUND !\r\n");
 }
 
 TEST_F(Actions, CountCaption) {
