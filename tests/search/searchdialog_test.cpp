@@ -95,6 +95,13 @@ class Dialog : public ::testing::Test {
     SearchDialogHookTable() = {};
     SearchGamePageHooks() = {};
   }
+  // The HTML page of a game is its rom name in a heading.
+  void UseHeadingPages() {
+    SearchGamePageHooks().FillGamePage = [](AppContext&, const std::string&, const std::string& rom,
+                                            bool) { return "<h1>" + rom + "</h1>"; };
+    SearchGamePageHooks().DefaultTemplate = [] { return std::string("#ROMNAME"); };
+    fs::create_directories(Ctx().AppFolder() + "HTML");
+  }
   SearchDialog& Open() {
     m_dialog = std::make_unique<SearchDialog>(nullptr, m_holder.ctx(), &m_sites);
     m_dialog->ShowPanel = [this] { ++m_panelShown; };
@@ -428,10 +435,7 @@ TEST_F(Dialog, ShowOpensTheSheetOrTheHtmlPage) {
   SearchDialogHookTable().OpenGameSheet = [&](QWidget*, AppContext&, const std::string& rom) {
     sheets.push_back(rom);
   };
-  SearchGamePageHooks().FillGamePage = [](AppContext&, const std::string&, const std::string& rom,
-                                          bool) { return "<h1>" + rom + "</h1>"; };
-  SearchGamePageHooks().DefaultTemplate = [] { return std::string("#ROMNAME"); };
-  fs::create_directories(Ctx().AppFolder() + "HTML");
+  UseHeadingPages();
   Open();
   Find(QStringLiteral("street"));
   Select({1});
@@ -454,10 +458,7 @@ TEST_F(Dialog, ShowOpensTheSheetOrTheHtmlPage) {
 // An empty rom name (a jump box entry whose name would end two characters before its "-")
 // shows the page of the focused line's game.
 TEST_F(Dialog, AnEmptyRomNameShowsTheFocusedLinesPage) {
-  SearchGamePageHooks().FillGamePage = [](AppContext&, const std::string&, const std::string& rom,
-                                          bool) { return "<h1>" + rom + "</h1>"; };
-  SearchGamePageHooks().DefaultTemplate = [] { return std::string("#ROMNAME"); };
-  fs::create_directories(Ctx().AppFolder() + "HTML");
+  UseHeadingPages();
   Open();
   Find(QStringLiteral("street"));
   Select({1});
