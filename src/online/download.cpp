@@ -46,6 +46,25 @@ int Progress(void* user, curl_off_t total, curl_off_t now, curl_off_t, curl_off_
 
 }  // namespace
 
+std::string EscapeAddress(std::string_view address) {
+  static constexpr char kHex[] = "0123456789ABCDEF";
+  std::string escaped;
+  escaped.reserve(address.size());
+  for (const char c : address) {
+    const auto byte = static_cast<unsigned char>(c);
+    const bool plain = byte > 0x20 && byte < 0x7F &&
+                       std::string_view("\"<>\\^`{|}").find(c) == std::string_view::npos;
+    if (plain) {
+      escaped += c;
+    } else {
+      escaped += '%';
+      escaped += kHex[byte >> 4];
+      escaped += kHex[byte & 0xF];
+    }
+  }
+  return escaped;
+}
+
 int DownloadFile(const std::string& url, const std::string& file, bool prepare, Work* work,
                  const DownloadOptions& options) {
   std::error_code ec;
@@ -79,7 +98,8 @@ int DownloadFile(const std::string& url, const std::string& file, bool prepare, 
     // program had to clear a browser cache for.
     headers = curl_slist_append(headers, "Cache-Control: no-cache");
     headers = curl_slist_append(headers, "Pragma: no-cache");
-    curl_easy_setopt(curl, CURLOPT_URL, url.c_str());
+    const std::string address = EscapeAddress(url);
+    curl_easy_setopt(curl, CURLOPT_URL, address.c_str());
     curl_easy_setopt(curl, CURLOPT_HTTPHEADER, headers);
     curl_easy_setopt(curl, CURLOPT_FOLLOWLOCATION, 1L);
     curl_easy_setopt(curl, CURLOPT_MAXREDIRS, 10L);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 namespace tessarin {
 
@@ -21,6 +22,12 @@ struct DownloadOptions {
   // The bytes received and expected go to the work's ProgressValue and ProgressMax.
   bool reportProgress = true;
 };
+
+// The address as it goes on the wire: blanks, control characters, bytes outside ASCII and the
+// characters no address may hold as they are ("<>\\^`{|} and the double quote) are written as
+// %XX; the rest, "%" included, stays. Addresses made from patterns take game titles, which
+// have blanks.
+std::string EscapeAddress(std::string_view address);
 
 // Fetches `url` (http, https, ftp or file) into `file`, following redirects and asking every
 // cache on the way for a fresh copy. The data goes to `file` + ".dl" and replaces `file` only

@@ -134,6 +134,28 @@ TEST_F(DownloadTest, FileAddresses) {
   EXPECT_FALSE(fs::exists(folder / "copy2.dat"));
 }
 
+// Titles put into address patterns hold blanks and more; they go on the wire as %XX.
+TEST(EscapeAddress, WritesWhatNoAddressHoldsAsPercentCodes) {
+  EXPECT_EQ(EscapeAddress("http://host/a/b.png?x=1&y=2#top"), "http://host/a/b.png?x=1&y=2#top");
+  EXPECT_EQ(EscapeAddress("http://host/Pac-Man (Midway).png"),
+            "http://host/Pac-Man%20(Midway).png");
+  EXPECT_EQ(EscapeAddress("http://host/\"a\"<b>{c}|d^e`f\\g"),
+            "http://host/%22a%22%3Cb%3E%7Bc%7D%7Cd%5Ee%60f%5Cg");
+  EXPECT_EQ(EscapeAddress("http://host/caf\xC3\xA9\t\x7F"), "http://host/caf%C3%A9%09%7F");
+  // Codes already there are kept.
+  EXPECT_EQ(EscapeAddress("http://host/a%20b"), "http://host/a%20b");
+}
+
+TEST_F(DownloadTest, AnAddressWithBlanksIsFetched) {
+  server.AddFile("/img/Pac-Man%20(Midway).png", "picture");
+  EXPECT_EQ(DownloadFile(server.Url("/img/Pac-Man (Midway).png"), In("p.png"), false), kDownloadOk);
+  EXPECT_EQ(ReadAll(folder / "p.png"), "picture");
+  // A local file whose path has a blank too.
+  WriteAll(folder / "my source.dat", "local source");
+  EXPECT_EQ(DownloadFile("file://" + In("my source.dat"), In("copy.dat"), false), kDownloadOk);
+  EXPECT_EQ(ReadAll(folder / "copy.dat"), "local source");
+}
+
 TEST_F(DownloadTest, NoServerAtAll) {
   // A port on the loopback where nobody listens: connection refused, at once.
   const int result = DownloadFile("http://127.0.0.1:1/x", In("x"), false);
