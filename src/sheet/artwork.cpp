@@ -184,6 +184,12 @@ ArtworkDownloadResult DownloadArtwork(const ArtworkDownloadJob& job, Work& work)
       status = fetch(fallback, target);
     }
     if (status != kDownloadOk) {
+      // A transfer cut by the cancel is no failure of the address: the end of the run tells
+      // of the cancel.
+      if (work.CancelRequested) {
+        result.outcome[i] = "cancelled";
+        continue;
+      }
       work.SetStatus("Can't download " + picture);
       log("Can't download " + kind + "\\" + picture);
       result.outcome[i] = "failed";

@@ -15,6 +15,7 @@
 #include "core/settings.h"
 #include "core/work.h"
 #include "gamesheettestsupport.h"
+#include "online/download.h"
 #include "online/httpserver.h"
 #include "online/urllist.h"
 
@@ -237,6 +238,24 @@ TEST_F(ArtworkDownload, CancelEndsTheLoop) {
   EXPECT_EQ(result.outcome[2], "");
   EXPECT_NE(ReadFile(log.LogPath()).find("Download procedure aborted by user."), std::string::npos);
   EXPECT_EQ(server.Asked().size(), 1u);
+}
+
+// A cancel given while a picture is on its way cuts the transfer: that kind is no failure, the
+// fallback address isn't tried and the log tells only of the cancel.
+TEST_F(ArtworkDownload, ACancelDuringATransferIsNoFailure) {
+  std::vector<std::string> fetched;
+  job.download = [&](const std::string& url, const std::string&) {
+    fetched.push_back(url);
+    work.CancelRequested = true;
+    return kDownloadErrorBase + 42;  // the transfer aborted by the cancel
+  };
+  const ArtworkDownloadResult result = DownloadArtwork(job, work);
+  EXPECT_TRUE(result.cancelled);
+  EXPECT_EQ(result.outcome[1], "cancelled");
+  EXPECT_EQ(fetched.size(), 1u);
+  const std::string logText = ReadFile(log.LogPath());
+  EXPECT_EQ(logText.find("Can't download"), std::string::npos) << logText;
+  EXPECT_NE(logText.find("Download procedure aborted by user."), std::string::npos);
 }
 
 }  // namespace
