@@ -10,7 +10,7 @@
 
 namespace tessarin {
 
-void BuildHtmlSiteFromDialog(ListDialog& dialog, bool useIniFile) {
+void BuildHtmlSiteFromDialog(ListDialog& dialog, bool useIniFile, const UrlTables* sites) {
   AppContext& ctx = dialog.Context();
   std::vector<std::string>& names = dialog.HtmlGameNames();
   if (useIniFile) {
@@ -39,9 +39,13 @@ void BuildHtmlSiteFromDialog(ListDialog& dialog, bool useIniFile) {
   request.onlineImages = state.imagesOnline;
   request.searchIndex = state.searchIndex;
   if (request.onlineImages) {
-    UrlTables sites;
-    LoadUrlList(sites, ctx.AppFolder(), ctx.log);
-    request.onlinePatterns = sites.OnlineImages;
+    if (sites) {
+      request.onlinePatterns = sites->OnlineImages;
+    } else {
+      UrlTables fromFile;
+      LoadUrlList(fromFile, ctx.AppFolder(), ctx.log);
+      request.onlinePatterns = fromFile.OnlineImages;
+    }
   }
   dialog.hide();
   RunWithWorkingDialog(dialog.parentWidget(), ctx, ctx.messages.Lng(142),

@@ -62,7 +62,9 @@ void RegisterSubsystemDialogs(MainFrame& frame) {
   });
   frame.RegisterPanelDialog(2, [](MainFrame& f) {
     ListDialogHooks hooks;
-    hooks.buildHtml = BuildHtmlSiteFromDialog;
+    hooks.buildHtml = [&f](ListDialog& dialog, bool useIniFile) {
+      BuildHtmlSiteFromDialog(dialog, useIniFile, f.Sites().Tables);
+    };
     hooks.openFolderScan = [&f](ListDialog& dialog) { OpenFolderScanDialog(&dialog, f.Context()); };
     return new ListDialog(&f, f.Context(), hooks);
   });

@@ -16,6 +16,7 @@
 #include "lists/htmlsiteui.h"
 #include "lists/listdialog.h"
 #include "liststestsupport.h"
+#include "online/urllist.h"
 #include "support/qtapp.h"
 
 namespace tessarin {
@@ -31,6 +32,16 @@ T* Child(QWidget& dialog, const char* name) {
   return widget;
 }
 
+// The list window's HTML buttons with the site builder behind them; `sites` as the program's
+// site list, or none.
+ListDialogHooks SiteHooks(const UrlTables* sites = nullptr) {
+  ListDialogHooks hooks;
+  hooks.buildHtml = [sites](ListDialog& dialog, bool useIniFile) {
+    BuildHtmlSiteFromDialog(dialog, useIniFile, sites);
+  };
+  return hooks;
+}
+
 class SiteDialog : public ::testing::Test {
  protected:
   void SetUp() override {
@@ -43,7 +54,7 @@ class SiteDialog : public ::testing::Test {
 };
 
 TEST_F(SiteDialog, BuildAllWritesTheSiteAndBringsTheDialogBack) {
-  ListDialog dialog(nullptr, home.ctx, ListDialogHooks{BuildHtmlSiteFromDialog, {}});
+  ListDialog dialog(nullptr, home.ctx, SiteHooks());
   dialog.show();
   dialog.ShowPage(2);
   const std::string out = home.Path("www");
@@ -64,7 +75,7 @@ TEST_F(SiteDialog, TheSearchPageBoxSpeaksTheUsersLanguage) {
   for (const int language : {Messages::kEnglish, Messages::kFrench}) {
     home.ctx.messages.LanguageNumber = language;
     home.ctx.messages.LoadMessages();
-    ListDialog dialog(nullptr, home.ctx, ListDialogHooks{BuildHtmlSiteFromDialog, {}});
+    ListDialog dialog(nullptr, home.ctx, SiteHooks());
     EXPECT_EQ(Child<QCheckBox>(dialog, "ChkSearchIndex")->text(),
               language == Messages::kFrench ? QStringLiteral("Page de recherche (search.htm)")
                                             : QStringLiteral("Search page (search.htm)"));
@@ -75,7 +86,7 @@ TEST_F(SiteDialog, TheSearchPageBoxSpeaksTheUsersLanguage) {
 }
 
 TEST_F(SiteDialog, IniButtonLoadsTheNamesAndIgnoresSkipClones) {
-  ListDialog dialog(nullptr, home.ctx, ListDialogHooks{BuildHtmlSiteFromDialog, {}});
+  ListDialog dialog(nullptr, home.ctx, SiteHooks());
   dialog.show();
   dialog.ShowPage(2);
   const std::string out = home.Path("www");
@@ -105,6 +116,26 @@ TEST_F(SiteDialog, IniButtonLoadsTheNamesAndIgnoresSkipClones) {
   QTest::mouseClick(Child<QPushButton>(dialog, "Command6"), Qt::LeftButton);
   EXPECT_TRUE(home.ui.messages.empty());
   EXPECT_EQ(dialog.HtmlGameNames().size(), 2u);
+}
+
+// On-line pictures take their addresses from the program's site list, not from a second read
+// of its file.
+TEST_F(SiteDialog, OnlinePicturesComeFromTheProgramsSiteList) {
+  UrlTables sites;
+  sites.SetDefaults();
+  for (size_t i = 1; i < sites.OnlineImages.size(); ++i) {
+    sites.OnlineImages[i] = "http://pictures.example/" + std::to_string(i) + "/#ROMNAME#.png";
+  }
+  ListDialog dialog(nullptr, home.ctx, SiteHooks(&sites));
+  dialog.show();
+  dialog.ShowPage(2);
+  const std::string out = home.Path("www");
+  Child<QLineEdit>(dialog, "Text2")->setText(QString::fromStdString(out));
+  dialog.ToggleCheckBox(11);  // images online
+  QTest::mouseClick(Child<QPushButton>(dialog, "Command4"), Qt::LeftButton);
+  const std::string page = liststest::ReadFile(out + "/tessarin/roms/mygame.htm");
+  EXPECT_NE(page.find("http://pictures.example/1/mygame.png"), std::string::npos) << page;
+  EXPECT_FALSE(std::filesystem::exists(home.Path("Tessarin.url.inf")));
 }
 
 }  // namespace
