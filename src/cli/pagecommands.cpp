@@ -1,29 +1,13 @@
 // The page command: the HTML page of one game, as the search dialog's Show makes it.
 #include <memory>
 
+#include "cli/htmlwork.h"
 #include "cli/session.h"
-#include "core/fileservices.h"
 #include "lists/skins.h"
-#include "online/urllist.h"
-#include "shell/startup.h"
 
 namespace tessarin {
 
 namespace {
-
-// The command line's own temporary folder, fresh for each run as the desktop program's is. It is
-// not the desktop program's folder, which a running instance may be using; the page stays there
-// after the command ends, so that it can be opened.
-bool MakeCliTempFolder(AppContext& ctx) {
-  const std::string base = GetTempFolderPath();
-  if (base.empty()) return false;
-  const std::string folder = base + "tessarin-cli";
-  ShellDelete(folder, true);
-  MakeFolder(folder);
-  if (!FolderExists(folder)) return false;
-  ctx.TempFolder = AddSlash(folder);
-  return true;
-}
 
 void AddPage(CliRegistry& registry) {
   struct Options {
@@ -38,24 +22,11 @@ void AddPage(CliRegistry& registry) {
       [o](CliSession& session) {
         if (!session.EnsureLoaded()) return kExitFailed;
         AppContext& ctx = session.Ctx();
-        if (!MakeCliTempFolder(ctx)) {
-          session.Error(ctx.messages.Lng(310) + ": " + GetTempFolderPath() + "tessarin-cli");
-          return kExitFailed;
-        }
-        // As a start of the program does: the HTML folder, the help page, the default skins.
-        MakeAppFolders(ctx);
-        StartUpSteps steps;
-        steps.SkinResource = DefaultSkinArchive;
-        ExtractSkinFR(ctx, steps);
-        ExtractSkinEN(ctx, steps);
+        if (!PrepareHtmlWork(session, "tessarin-cli")) return kExitFailed;
 
         GamePageOptions options;
         options.onlineImages = o->onlineImages;
-        if (o->onlineImages) {
-          UrlTables sites;
-          LoadUrlList(sites, ctx.AppFolder(), ctx.log);
-          options.onlinePatterns = sites.OnlineImages;
-        }
+        if (o->onlineImages) options.onlinePatterns = OnlinePicturePatterns(ctx);
         const bool known = ctx.store.FindGame(o->name) != 0;
         const std::string written = MakeFoundPage(ctx, o->skin, o->name, options, o->out);
         if (written.empty()) {

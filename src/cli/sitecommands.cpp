@@ -3,29 +3,15 @@
 #include <memory>
 #include <sstream>
 
+#include "cli/htmlwork.h"
 #include "cli/session.h"
 #include "core/fileservices.h"
 #include "lists/htmlsite.h"
 #include "lists/skins.h"
-#include "online/urllist.h"
-#include "shell/startup.h"
 
 namespace tessarin {
 
 namespace {
-
-// A fresh temporary folder of the command line's own (skin archives are unpacked there), as
-// the page command makes it; not the desktop program's, which a running instance may use.
-bool MakeSiteTempFolder(AppContext& ctx) {
-  const std::string base = GetTempFolderPath();
-  if (base.empty()) return false;
-  const std::string folder = base + "tessarin-cli-site";
-  ShellDelete(folder, true);
-  MakeFolder(folder);
-  if (!FolderExists(folder)) return false;
-  ctx.TempFolder = AddSlash(folder);
-  return true;
-}
 
 void AddSite(CliRegistry& registry) {
   struct Options {
@@ -80,21 +66,8 @@ void AddSite(CliRegistry& registry) {
         }
         if (!session.EnsureLoaded()) return kExitFailed;
         AppContext& ctx = session.Ctx();
-        if (!MakeSiteTempFolder(ctx)) {
-          session.Error(ctx.messages.Lng(310) + ": " + GetTempFolderPath() + "tessarin-cli-site");
-          return kExitFailed;
-        }
-        // As a start of the program does: the HTML folder, the help page, the default skins.
-        MakeAppFolders(ctx);
-        StartUpSteps steps;
-        steps.SkinResource = DefaultSkinArchive;
-        ExtractSkinFR(ctx, steps);
-        ExtractSkinEN(ctx, steps);
-        if (o->onlineImages) {
-          UrlTables sites;
-          LoadUrlList(sites, ctx.AppFolder(), ctx.log);
-          request.onlinePatterns = sites.OnlineImages;
-        }
+        if (!PrepareHtmlWork(session, "tessarin-cli-site")) return kExitFailed;
+        if (o->onlineImages) request.onlinePatterns = OnlinePicturePatterns(ctx);
 
         Work& work = session.CurrentWork();
         std::vector<std::string> names{std::string()};
