@@ -1,7 +1,7 @@
 #include "archive/ziptoolsdialog.h"
 
 #include <QCheckBox>
-#include <QCloseEvent>
+#include <QEvent>
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -30,7 +30,7 @@ QPushButton* MakeButton(QWidget* parent, const QString& name, const QString& tex
 
 }  // namespace
 
-ZipToolsDialog::ZipToolsDialog(QWidget* parent, AppContext& ctx) : QDialog(parent), m_ctx(ctx) {
+ZipToolsDialog::ZipToolsDialog(QWidget* parent, AppContext& ctx) : FormDialog(parent), m_ctx(ctx) {
   setObjectName(QStringLiteral("Form9"));
   QString title = ToQt(ctx.messages.Lng(279)) + QStringLiteral(" / ") + ToQt(ctx.messages.Lng(280));
   title.remove(QLatin1Char('&'));
@@ -128,24 +128,11 @@ ZipToolsDialog::ZipToolsDialog(QWidget* parent, AppContext& ctx) : QDialog(paren
 
 ZipToolsDialog::~ZipToolsDialog() { Unload(); }
 
-void ZipToolsDialog::Unload() {
-  if (m_unloaded) return;
-  m_unloaded = true;
+void ZipToolsDialog::SaveState() {
   m_ctx.settings.InfWrite("Frm9Top", pos().y());
   m_ctx.settings.InfWrite("Frm9Left", pos().x());
   SaveZipToolsState(m_ctx.settings, {FromQt(m_source->text()), FromQt(m_destination->text()),
                                      m_delete->isChecked()});
-}
-
-void ZipToolsDialog::closeEvent(QCloseEvent* event) {
-  Unload();
-  QDialog::closeEvent(event);
-}
-
-void ZipToolsDialog::done(int result) {
-  // Escape ends the dialog through here rather than through a close event.
-  Unload();
-  QDialog::done(result);
 }
 
 bool ZipToolsDialog::eventFilter(QObject* watched, QEvent* event) {

@@ -1,7 +1,8 @@
 #pragma once
 
-#include <QDialog>
 #include <string>
+
+#include "widgets/formdialog.h"
 
 class QCheckBox;
 class QLabel;
@@ -16,7 +17,7 @@ class AppContext;
 // every zip of a folder into subfolders, and delete the sources when done. All that it does is
 // in ziptools.h; this window gathers the two folders and the box, runs the job under the
 // working dialog and keeps its settings.
-class ZipToolsDialog final : public QDialog {
+class ZipToolsDialog final : public FormDialog {
   Q_OBJECT
  public:
   ZipToolsDialog(QWidget* parent, AppContext& ctx);
@@ -29,12 +30,10 @@ class ZipToolsDialog final : public QDialog {
   const std::string& UnzipError() const { return m_unzipError; }
 
  protected:
-  void closeEvent(QCloseEvent* event) override;
-  void done(int result) override;
   bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
-  void Unload();
+  void SaveState() override;
   void Browse(QLineEdit* box);
 
   AppContext& m_ctx;
@@ -45,7 +44,6 @@ class ZipToolsDialog final : public QDialog {
   QPushButton* m_zipAll;
   QPushButton* m_unzipAll;
   std::string m_unzipError;
-  bool m_unloaded = false;
 };
 
 }  // namespace tessarin

@@ -1,8 +1,8 @@
 #include "builder/databasedialog.h"
 
 #include <QCheckBox>
-#include <QCloseEvent>
 #include <QComboBox>
+#include <QEvent>
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -67,7 +67,7 @@ QHBoxLayout* ButtonRow(std::initializer_list<QPushButton*> left, QPushButton* ri
 }  // namespace
 
 DatabaseDialog::DatabaseDialog(QWidget* parent, AppContext& ctx, DownloadListAccess downloads)
-    : QDialog(parent),
+    : FormDialog(parent),
       m_ctx(ctx),
       m_downloadAccess(std::move(downloads)),
       m_paths(std::make_unique<DatabasePaths>()) {
@@ -495,22 +495,9 @@ void DatabaseDialog::DownloadFiles() {
          [&](Work& work) { tessarin::DownloadFiles(m_ctx, work, lines); });
 }
 
-void DatabaseDialog::Unload() {
-  if (m_unloaded) return;
-  m_unloaded = true;
+void DatabaseDialog::SaveState() {
   m_ctx.settings.InfWrite("Form3Top", pos().y());
   m_ctx.settings.InfWrite("Form3Left", pos().x());
-}
-
-void DatabaseDialog::closeEvent(QCloseEvent* event) {
-  Unload();
-  QDialog::closeEvent(event);
-}
-
-void DatabaseDialog::done(int result) {
-  // Escape ends the dialog through here rather than through a close event.
-  Unload();
-  QDialog::done(result);
 }
 
 }  // namespace tessarin

@@ -1,12 +1,12 @@
 #pragma once
 
-#include <QDialog>
 #include <array>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "builder/downloadfiles.h"
+#include "widgets/formdialog.h"
 
 class QCheckBox;
 class QComboBox;
@@ -27,7 +27,7 @@ class Work;
 // database, download data files and set the paths of every data file. All that it does is in
 // databaseops.h, databasedialoglogic.h and downloadfiles.h; this window gathers the choices,
 // runs the long jobs under the working dialog and shows what they gave.
-class DatabaseDialog final : public QDialog {
+class DatabaseDialog final : public FormDialog {
   Q_OBJECT
  public:
   static constexpr int kPageCount = 6;
@@ -50,8 +50,6 @@ class DatabaseDialog final : public QDialog {
   void SaveDownloadsAndLeave();  // Command7
 
  protected:
-  void closeEvent(QCloseEvent* event) override;
-  void done(int result) override;
   bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
@@ -72,7 +70,7 @@ class DatabaseDialog final : public QDialog {
   // the messages the job gave. Gives true when the job wasn't cancelled.
   bool RunJob(int labelMessage, const std::string& workingLabel, HeldMessagesUi& held,
               const std::function<void(Work&)>& job);
-  void Unload();
+  void SaveState() override;
 
   AppContext& m_ctx;
   DownloadListAccess m_downloadAccess;
@@ -92,7 +90,6 @@ class DatabaseDialog final : public QDialog {
   std::array<QWidget*, 5> m_menuPictures{};
   std::array<QPushButton*, 5> m_menuLabels{};
   int m_page = 0;
-  bool m_unloaded = false;
 };
 
 }  // namespace tessarin

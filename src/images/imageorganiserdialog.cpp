@@ -1,8 +1,8 @@
 #include "images/imageorganiserdialog.h"
 
 #include <QCheckBox>
-#include <QCloseEvent>
 #include <QComboBox>
+#include <QEvent>
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -55,7 +55,7 @@ QHBoxLayout* CheckRow(QCheckBox* box, QLabel* caption) {
 }  // namespace
 
 ImageOrganiserDialog::ImageOrganiserDialog(QWidget* parent, AppContext& ctx)
-    : QDialog(parent), m_ctx(ctx) {
+    : FormDialog(parent), m_ctx(ctx) {
   setObjectName(QStringLiteral("Form10"));
   setWindowTitle(ToQt(ctx.messages.Lng(287)));
   const auto lng = [&](int n) { return ToQt(ctx.messages.Lng(n)); };
@@ -195,9 +195,7 @@ void ImageOrganiserDialog::ShowPage(int page) {
   m_pages[1]->setVisible(page == 1);
 }
 
-void ImageOrganiserDialog::Unload() {
-  if (m_unloaded) return;
-  m_unloaded = true;
+void ImageOrganiserDialog::SaveState() {
   m_ctx.settings.InfWrite("Frm10Top", pos().y());
   m_ctx.settings.InfWrite("Frm10Left", pos().x());
   m_state.Chk1 = m_chk1->isChecked();
@@ -205,19 +203,13 @@ void ImageOrganiserDialog::Unload() {
   SaveImageOrganiserState(m_ctx.settings, m_state);
 }
 
-void ImageOrganiserDialog::closeEvent(QCloseEvent* event) {
-  Unload();
-  QDialog::closeEvent(event);
-}
-
 void ImageOrganiserDialog::done(int result) {
   // Escape on page 1 goes back to page 0, as its Close button does; on page 0 it closes.
-  if (CurrentPage() == 1 && result == QDialog::Rejected && !m_unloaded) {
+  if (CurrentPage() == 1 && result == QDialog::Rejected && !IsUnloaded()) {
     BackToStart();
     return;
   }
-  Unload();
-  QDialog::done(result);
+  FormDialog::done(result);
 }
 
 bool ImageOrganiserDialog::eventFilter(QObject* watched, QEvent* event) {

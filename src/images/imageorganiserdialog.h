@@ -1,10 +1,10 @@
 #pragma once
 
-#include <QDialog>
 #include <functional>
 #include <string>
 
 #include "images/imageorganiser.h"
+#include "widgets/formdialog.h"
 
 class QCheckBox;
 class QComboBox;
@@ -20,7 +20,7 @@ class AppContext;
 // The image organiser (Form10): page 0 explains the tool and starts one of its two jobs, page 1
 // chooses the kind and the folders and runs the job under the working dialog. All it does is in
 // imageorganiser.h; this window holds the instance state and keeps the settings.
-class ImageOrganiserDialog final : public QDialog {
+class ImageOrganiserDialog final : public FormDialog {
   Q_OBJECT
  public:
   ImageOrganiserDialog(QWidget* parent, AppContext& ctx);
@@ -38,12 +38,11 @@ class ImageOrganiserDialog final : public QDialog {
   std::function<std::string(const std::string& start, const std::string& title)> browseFolder;
 
  protected:
-  void closeEvent(QCloseEvent* event) override;
   void done(int result) override;
   bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
-  void Unload();
+  void SaveState() override;
   void ShowPage(int page);
   bool ReadRomFolder();
   void BrowseInto(QLineEdit* box, int message, bool source);
@@ -67,7 +66,6 @@ class ImageOrganiserDialog final : public QDialog {
   QPushButton* m_browseSource;
   QPushButton* m_browseDestination;
   QPushButton* m_run;
-  bool m_unloaded = false;
 };
 
 }  // namespace tessarin

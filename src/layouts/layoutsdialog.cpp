@@ -59,7 +59,7 @@ void TellEnd(AppContext& ctx, bool errors, bool cancelled) {
 
 }  // namespace
 
-LayoutsDialog::LayoutsDialog(QWidget* parent, AppContext& ctx) : QDialog(parent), m_ctx(ctx) {
+LayoutsDialog::LayoutsDialog(QWidget* parent, AppContext& ctx) : FormDialog(parent), m_ctx(ctx) {
   setObjectName(QStringLiteral("Form19"));
   setWindowTitle(QStringLiteral("Layouts for Atomic"));
   const Messages& m = ctx.messages;
@@ -188,21 +188,14 @@ void LayoutsDialog::OpenExpert() {
   expert->open();
 }
 
-void LayoutsDialog::Unload() {
-  if (m_unloaded) return;
-  m_unloaded = true;
+void LayoutsDialog::SaveState() {
   m_ctx.settings.InfWrite("Frm19X", pos().x());
   m_ctx.settings.InfWrite("Frm19Y", pos().y());
   SaveLayoutPaths(m_ctx, m_paths);
 }
 
-void LayoutsDialog::done(int result) {
-  Unload();
-  QDialog::done(result);
-}
-
 LayoutsExpertDialog::LayoutsExpertDialog(QWidget* parent, AppContext& ctx)
-    : QDialog(parent), m_ctx(ctx) {
+    : FormDialog(parent), m_ctx(ctx) {
   setObjectName(QStringLiteral("Form17"));
   setWindowTitle(QStringLiteral("AToMic Layouts"));
   const Messages& m = ctx.messages;
@@ -480,20 +473,13 @@ void LayoutsExpertDialog::SaveList(const std::string& file) {
                          saved ? Icon::Information : Icon::Stop);
 }
 
-void LayoutsExpertDialog::Unload() {
-  if (m_unloaded) return;
-  m_unloaded = true;
+void LayoutsExpertDialog::SaveState() {
   ReadFolders();
   m_ctx.settings.InfWrite("Frm17Width", width());
   m_ctx.settings.InfWrite("Frm17Height", height());
   m_ctx.settings.InfWrite("LayoutPreview", m_preview->isChecked() ? "1" : "");
   m_ctx.settings.InfWrite("DeleteZipAfter", m_deleteZip->isChecked() ? "1" : "");
   SaveLayoutPaths(m_ctx, m_paths);
-}
-
-void LayoutsExpertDialog::done(int result) {
-  Unload();
-  QDialog::done(result);
 }
 
 }  // namespace tessarin

@@ -1,11 +1,11 @@
 #pragma once
 
-#include <QDialog>
 #include <atomic>
 #include <string>
 #include <vector>
 
 #include "layouts/layouts.h"
+#include "widgets/formdialog.h"
 
 class QCheckBox;
 class QComboBox;
@@ -24,7 +24,7 @@ class Work;
 
 // The simple layout dialog (Form19): every missing layout of one orientation, downloaded and
 // installed (or only downloaded) in one go, with a running report.
-class LayoutsDialog final : public QDialog {
+class LayoutsDialog final : public FormDialog {
   Q_OBJECT
  public:
   LayoutsDialog(QWidget* parent, AppContext& ctx);
@@ -36,12 +36,9 @@ class LayoutsDialog final : public QDialog {
   const LayoutPaths& Paths() const { return m_paths; }
   QString Report() const;
 
- protected:
-  void done(int result) override;
-
  private:
   void AddReport(const std::string& line);
-  void Unload();
+  void SaveState() override;
 
   AppContext& m_ctx;
   LayoutPaths m_paths;
@@ -53,12 +50,11 @@ class LayoutsDialog final : public QDialog {
   QPlainTextEdit* m_report;
   // The running job's progress and cancel state, while there is one.
   std::atomic<Work*> m_running{nullptr};
-  bool m_unloaded = false;
 };
 
 // The expert layout dialog (Form17): the whole list, sorted and filtered, with the details and
 // preview of a layout, and the download of chosen ones.
-class LayoutsExpertDialog final : public QDialog {
+class LayoutsExpertDialog final : public FormDialog {
   Q_OBJECT
  public:
   LayoutsExpertDialog(QWidget* parent, AppContext& ctx);
@@ -76,14 +72,13 @@ class LayoutsExpertDialog final : public QDialog {
   const LayoutPaths& Paths() const { return m_paths; }
 
  protected:
-  void done(int result) override;
   void showEvent(QShowEvent* event) override;
 
  private:
   void FillList();
   void ShowPreview(const std::string& line);
   void ReadFolders();
-  void Unload();
+  void SaveState() override;
 
   AppContext& m_ctx;
   LayoutPaths m_paths;
@@ -105,7 +100,6 @@ class LayoutsExpertDialog final : public QDialog {
   bool m_shown = false;
   bool m_loaded = false;
   bool m_loading = false;
-  bool m_unloaded = false;
 };
 
 }  // namespace tessarin

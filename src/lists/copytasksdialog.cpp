@@ -35,7 +35,8 @@ std::string FolderTitle(const QString& field) {
 
 }  // namespace
 
-CopyTasksDialog::CopyTasksDialog(QWidget* parent, AppContext& ctx) : QDialog(parent), m_ctx(ctx) {
+CopyTasksDialog::CopyTasksDialog(QWidget* parent, AppContext& ctx)
+    : FormDialog(parent), m_ctx(ctx) {
   setObjectName(QStringLiteral("Form22"));
   setWindowTitle(QStringLiteral("Copy tasks"));
 
@@ -240,15 +241,6 @@ void CopyTasksDialog::Go(const CopyTaskServices& services) {
   QCoreApplication::processEvents();
 }
 
-void CopyTasksDialog::Unload() {
-  if (m_unloaded) return;
-  m_unloaded = true;
-  SaveCopyTaskOptions(m_ctx, Options());
-}
-
-void CopyTasksDialog::done(int result) {
-  Unload();
-  QDialog::done(result);
-}
+void CopyTasksDialog::SaveState() { SaveCopyTaskOptions(m_ctx, Options()); }
 
 }  // namespace tessarin

@@ -1,10 +1,10 @@
 #pragma once
 
-#include <QDialog>
 #include <array>
 #include <string>
 
 #include "lists/copytasks.h"
+#include "widgets/formdialog.h"
 
 class QLineEdit;
 class QPushButton;
@@ -21,7 +21,7 @@ class AppContext;
 // Option3(0..2), Text5 to Text8 and Command4 to Command6; "Source files folder" Frame3 with
 // Text9, Command7 and the extension Text10; "Destination folder" Frame4 with Text11 and
 // Command8; "Action" Frame5 with Option2(0..2); Command9 "&Go", Command10 "&Cancel".
-class CopyTasksDialog final : public QDialog {
+class CopyTasksDialog final : public FormDialog {
   Q_OBJECT
  public:
   CopyTasksDialog(QWidget* parent, AppContext& ctx);
@@ -33,9 +33,6 @@ class CopyTasksDialog final : public QDialog {
   // Text9 or Text11); `answer` stands for the chooser's answer when not empty.
   void BrowsePath(QLineEdit* field, const std::string& answer = {});
   CopyTaskOptions Options() const;
-
- protected:
-  void done(int result) override;
 
  private:
   struct ListControls {
@@ -51,7 +48,7 @@ class CopyTasksDialog final : public QDialog {
   void ShowList(const ListControls& controls, const NameListOrigin& origin);
   NameListOrigin ReadList(const ListControls& controls) const;
   QLineEdit* FieldOf(CopyTaskField field) const;
-  void Unload();
+  void SaveState() override;
 
   AppContext& m_ctx;
   ListControls m_list;
@@ -60,7 +57,6 @@ class CopyTasksDialog final : public QDialog {
   QLineEdit* m_sourceExtension;
   QLineEdit* m_destination;
   std::array<QRadioButton*, 3> m_actions{};
-  bool m_unloaded = false;
 };
 
 }  // namespace tessarin

@@ -29,7 +29,8 @@ std::string WithoutTrailingSlash(std::string path) {
 
 }  // namespace
 
-FolderScanDialog::FolderScanDialog(QWidget* parent, AppContext& ctx) : QDialog(parent), m_ctx(ctx) {
+FolderScanDialog::FolderScanDialog(QWidget* parent, AppContext& ctx)
+    : FormDialog(parent), m_ctx(ctx) {
   setObjectName(QStringLiteral("Form20"));
   setWindowTitle(QStringLiteral("Scan dir to make list"));
   const Messages& m = ctx.messages;
@@ -157,16 +158,7 @@ void FolderScanDialog::Scan(const std::string& destination) {
   }
 }
 
-void FolderScanDialog::Unload() {
-  if (m_unloaded) return;
-  m_unloaded = true;
-  SaveFolderScanOptions(m_ctx, Options());
-}
-
-void FolderScanDialog::done(int result) {
-  Unload();
-  QDialog::done(result);
-}
+void FolderScanDialog::SaveState() { SaveFolderScanOptions(m_ctx, Options()); }
 
 void OpenFolderScanDialog(QWidget* parent, AppContext& ctx) {
   auto* dialog = new FolderScanDialog(parent, ctx);

@@ -1,9 +1,9 @@
 #pragma once
 
-#include <QDialog>
 #include <string>
 
 #include "lists/initools.h"
+#include "widgets/formdialog.h"
 
 class QCheckBox;
 class QLineEdit;
@@ -15,7 +15,7 @@ class AppContext;
 
 // The folder scan window (Form20): what a folder holds, files of one extension or subfolders,
 // written as an .ini list.
-class FolderScanDialog final : public QDialog {
+class FolderScanDialog final : public FormDialog {
   Q_OBJECT
  public:
   FolderScanDialog(QWidget* parent, AppContext& ctx);
@@ -27,11 +27,8 @@ class FolderScanDialog final : public QDialog {
   void BrowseFolder(const std::string& folder = {});
   FolderScanOptions Options() const;
 
- protected:
-  void done(int result) override;
-
  private:
-  void Unload();
+  void SaveState() override;
 
   AppContext& m_ctx;
   QLineEdit* m_folder;
@@ -43,7 +40,6 @@ class FolderScanDialog final : public QDialog {
   QLineEdit* m_after;
   QCheckBox* m_addBefore;
   QLineEdit* m_before;
-  bool m_unloaded = false;
 };
 
 // Opens the folder scan window over `parent` (the list window's Scan Dir button).

@@ -36,7 +36,7 @@ T* IndexedControl(QWidget* parent, const char* base, int index, Args&&... args) 
 
 }  // namespace
 
-IniSetDialog::IniSetDialog(QWidget* parent, AppContext& ctx) : QDialog(parent), m_ctx(ctx) {
+IniSetDialog::IniSetDialog(QWidget* parent, AppContext& ctx) : FormDialog(parent), m_ctx(ctx) {
   setObjectName(QStringLiteral("Form15"));
   const Messages& m = ctx.messages;
   setWindowTitle(ToQt(m.Lng(371)));
@@ -216,16 +216,7 @@ void IniSetDialog::OpenLayouts() {
   layouts->open();
 }
 
-void IniSetDialog::Unload() {
-  if (m_unloaded) return;
-  m_unloaded = true;
-  SaveIniSetOptions(m_ctx, Options());
-}
-
-void IniSetDialog::done(int result) {
-  Unload();
-  QDialog::done(result);
-}
+void IniSetDialog::SaveState() { SaveIniSetOptions(m_ctx, Options()); }
 
 void OpenIniSetDialog(QWidget* parent, AppContext& ctx) {
   auto* dialog = new IniSetDialog(parent, ctx);

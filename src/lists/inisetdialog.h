@@ -1,10 +1,10 @@
 #pragma once
 
-#include <QDialog>
 #include <array>
 #include <string>
 
 #include "lists/initools.h"
+#include "widgets/formdialog.h"
 
 class QCheckBox;
 class QLineEdit;
@@ -17,7 +17,7 @@ class AppContext;
 
 // The INI set window (Form15): up to fifteen classification files out of the database, in one
 // folder or each where the user puts it.
-class IniSetDialog final : public QDialog {
+class IniSetDialog final : public FormDialog {
   Q_OBJECT
  public:
   IniSetDialog(QWidget* parent, AppContext& ctx);
@@ -31,12 +31,9 @@ class IniSetDialog final : public QDialog {
   void OpenLayouts();  // Command3
   IniSetOptions Options() const;
 
- protected:
-  void done(int result) override;
-
  private:
   void EnablePaths();
-  void Unload();
+  void SaveState() override;
 
   AppContext& m_ctx;
   std::array<QCheckBox*, kIniSetFiles> m_checks{};
@@ -44,7 +41,6 @@ class IniSetDialog final : public QDialog {
   std::array<QPushButton*, kIniSetFiles + 1> m_browse{};
   std::array<QRadioButton*, 2> m_destination{};
   std::array<QRadioButton*, 3> m_sort{};
-  bool m_unloaded = false;
 };
 
 // Opens the INI set window over `parent` (the search window's AtomicFE options).

@@ -1,8 +1,8 @@
 #include "lists/listdialog.h"
 
 #include <QCheckBox>
-#include <QCloseEvent>
 #include <QComboBox>
+#include <QEvent>
 #include <QFrame>
 #include <QGridLayout>
 #include <QHBoxLayout>
@@ -45,7 +45,7 @@ QString WithoutAccessKey(QString text) {
 }  // namespace
 
 ListDialog::ListDialog(QWidget* parent, AppContext& ctx, ListDialogHooks hooks)
-    : QDialog(parent), m_ctx(ctx), m_hooks(std::move(hooks)) {
+    : FormDialog(parent), m_ctx(ctx), m_hooks(std::move(hooks)) {
   setObjectName(QStringLiteral("Form7"));
   setWindowTitle(Caption(ctx, 112));
   setWindowIcon(AppIcon());
@@ -359,9 +359,7 @@ void ListDialog::LoadSettings() {
   }
 }
 
-void ListDialog::Unload() {
-  if (m_unloaded) return;
-  m_unloaded = true;
+void ListDialog::SaveState() {
   Settings& settings = m_ctx.settings;
   settings.InfWrite("Form7Top", pos().y());
   settings.InfWrite("Form7Left", pos().x());
@@ -372,17 +370,6 @@ void ListDialog::Unload() {
   std::vector<bool> selected;
   for (int i = 0; i < m_list1->count(); ++i) selected.push_back(m_list1->item(i)->isSelected());
   settings.InfWrite("Frm7List1", SelectionSettingText(selected));
-}
-
-void ListDialog::closeEvent(QCloseEvent* event) {
-  Unload();
-  QDialog::closeEvent(event);
-}
-
-void ListDialog::done(int result) {
-  // Escape ends the dialog through here rather than through a close event.
-  Unload();
-  QDialog::done(result);
 }
 
 // ---- marks ----

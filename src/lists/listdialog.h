@@ -1,10 +1,11 @@
 #pragma once
 
-#include <QDialog>
 #include <array>
 #include <functional>
 #include <string>
 #include <vector>
+
+#include "widgets/formdialog.h"
 
 class QCheckBox;
 class QComboBox;
@@ -45,7 +46,7 @@ struct ListDialogHooks {
 // The list dialog (Form7): a start page, the text-list page (fields, separator, quotation
 // marks, an INI file of names, the DAT export) and the HTML page. Its logic is in textlists.h
 // and datexport.h; the window keeps its settings and runs the jobs under the working dialog.
-class ListDialog final : public QDialog {
+class ListDialog final : public FormDialog {
   Q_OBJECT
  public:
   ListDialog(QWidget* parent, AppContext& ctx, ListDialogHooks hooks = {});
@@ -73,8 +74,6 @@ class ListDialog final : public QDialog {
   AppContext& Context() { return m_ctx; }
 
  protected:
-  void closeEvent(QCloseEvent* event) override;
-  void done(int result) override;
   bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
@@ -82,7 +81,7 @@ class ListDialog final : public QDialog {
   void BuildTextPage();
   void BuildHtmlPage();
   void LoadSettings();
-  void Unload();
+  void SaveState() override;
   void RedrawMarks();
   void SetCheck(int number, bool on);
   QLabel* MakeMark(QWidget* parent, const QString& name, bool radio);
@@ -110,7 +109,6 @@ class ListDialog final : public QDialog {
   QPushButton* m_buildAll = nullptr;
   QPushButton* m_buildIni = nullptr;
   QCheckBox* m_searchIndex = nullptr;
-  bool m_unloaded = false;
 };
 
 }  // namespace tessarin

@@ -18,7 +18,7 @@
 
 namespace tessarin {
 
-XmlListDialog::XmlListDialog(QWidget* parent, AppContext& ctx) : QDialog(parent), m_ctx(ctx) {
+XmlListDialog::XmlListDialog(QWidget* parent, AppContext& ctx) : FormDialog(parent), m_ctx(ctx) {
   setObjectName(QStringLiteral("Form21"));
   setWindowTitle(QStringLiteral("XML to List"));
   auto* label1 = NamedControl<QLabel>(
@@ -122,15 +122,6 @@ void XmlListDialog::MakeList(const std::string& destination) {
   }
 }
 
-void XmlListDialog::Unload() {
-  if (m_unloaded) return;
-  m_unloaded = true;
-  SaveXmlListOptions(m_ctx, Options());
-}
-
-void XmlListDialog::done(int result) {
-  Unload();
-  QDialog::done(result);
-}
+void XmlListDialog::SaveState() { SaveXmlListOptions(m_ctx, Options()); }
 
 }  // namespace tessarin

@@ -1,9 +1,9 @@
 #pragma once
 
-#include <QDialog>
 #include <string>
 
 #include "lists/initools.h"
+#include "widgets/formdialog.h"
 
 class QCheckBox;
 class QLineEdit;
@@ -14,7 +14,7 @@ class AppContext;
 
 // The XML to list window (Form21): the rom names and/or descriptions of an emulator XML file
 // written as a list, without the database.
-class XmlListDialog final : public QDialog {
+class XmlListDialog final : public FormDialog {
   Q_OBJECT
  public:
   XmlListDialog(QWidget* parent, AppContext& ctx);
@@ -26,11 +26,8 @@ class XmlListDialog final : public QDialog {
   void BrowseSource(const std::string& file = {});
   XmlListOptions Options() const;
 
- protected:
-  void done(int result) override;
-
  private:
-  void Unload();
+  void SaveState() override;
 
   AppContext& m_ctx;
   QLineEdit* m_source;
@@ -38,7 +35,6 @@ class XmlListDialog final : public QDialog {
   QCheckBox* m_gameNames;
   QCheckBox* m_addZip;
   QCheckBox* m_noClone;
-  bool m_unloaded = false;
 };
 
 }  // namespace tessarin

@@ -42,7 +42,7 @@ void RunDataUpdateCheck(QWidget* parent, AppContext& ctx, bool silentAsk,
 }
 
 UpdateDialog::UpdateDialog(QWidget* parent, AppContext& ctx, std::function<void()> reloaded)
-    : QDialog(parent), m_ctx(ctx), m_reloaded(std::move(reloaded)) {
+    : FormDialog(parent), m_ctx(ctx), m_reloaded(std::move(reloaded)) {
   setObjectName(QStringLiteral("Form16"));
   setWindowTitle(QStringLiteral("Data update"));
   m_check = new QCheckBox(this);
@@ -85,15 +85,8 @@ UpdateDialog::~UpdateDialog() { Unload(); }
 
 void UpdateDialog::CheckNow() { RunDataUpdateCheck(this, m_ctx, false, m_reloaded); }
 
-void UpdateDialog::Unload() {
-  if (m_unloaded) return;
-  m_unloaded = true;
+void UpdateDialog::SaveState() {
   m_ctx.settings.InfWrite("ChckDataUpdate", m_check->isChecked() ? "1" : "");
-}
-
-void UpdateDialog::done(int result) {
-  Unload();
-  QDialog::done(result);
 }
 
 bool UpdateDialog::eventFilter(QObject* watched, QEvent* event) {

@@ -1,8 +1,9 @@
 #pragma once
 
-#include <QDialog>
 #include <functional>
 #include <string>
+
+#include "widgets/formdialog.h"
 
 class QCheckBox;
 class QLabel;
@@ -18,7 +19,7 @@ void RunDataUpdateCheck(QWidget* parent, AppContext& ctx, bool silentAsk,
                         const std::function<void()>& reloaded);
 
 // The update dialog (Form16): the start-up check box and the button that checks now.
-class UpdateDialog final : public QDialog {
+class UpdateDialog final : public FormDialog {
   Q_OBJECT
  public:
   UpdateDialog(QWidget* parent, AppContext& ctx, std::function<void()> reloaded);
@@ -27,17 +28,15 @@ class UpdateDialog final : public QDialog {
   void CheckNow();  // Command1
 
  protected:
-  void done(int result) override;
   bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
-  void Unload();
+  void SaveState() override;
 
   AppContext& m_ctx;
   std::function<void()> m_reloaded;
   QCheckBox* m_check;
   QLabel* m_label1;
-  bool m_unloaded = false;
 };
 
 // The new version notice (Form18), modal.

@@ -1,7 +1,7 @@
 #include "sheet/gamesheetdialog.h"
 
-#include <QCloseEvent>
 #include <QCoreApplication>
+#include <QEvent>
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QImage>
@@ -94,7 +94,7 @@ class GameSheetDialog::PictureTarget final : public PngPaintTarget {
 };
 
 GameSheetDialog::GameSheetDialog(QWidget* parent, AppContext& ctx, const std::string& romName)
-    : QDialog(parent),
+    : FormDialog(parent),
       m_ctx(ctx),
       m_target(std::make_unique<PictureTarget>()),
       m_currentRom(romName) {
@@ -428,22 +428,10 @@ void GameSheetDialog::Download() {
   if (self) m_kindButtons[0]->click();
 }
 
-void GameSheetDialog::Unload() {
-  if (m_unloaded) return;
-  m_unloaded = true;
+void GameSheetDialog::SaveState() {
   m_ctx.settings.InfWrite("Form5Top", pos().y());
   m_ctx.settings.InfWrite("Form5Left", pos().x());
   m_ctx.settings.InfWrite("Frm5Artwork", m_currentArtwork);
-}
-
-void GameSheetDialog::closeEvent(QCloseEvent* event) {
-  Unload();
-  QDialog::closeEvent(event);
-}
-
-void GameSheetDialog::done(int result) {
-  Unload();
-  QDialog::done(result);
 }
 
 GameSheetDialog* OpenGameSheet(QWidget* parent, AppContext& ctx, const std::string& romName) {

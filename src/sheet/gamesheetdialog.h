@@ -1,11 +1,11 @@
 #pragma once
 
-#include <QDialog>
 #include <array>
 #include <memory>
 #include <string>
 
 #include "sheet/artwork.h"
+#include "widgets/formdialog.h"
 
 class QLabel;
 class QPlainTextEdit;
@@ -23,7 +23,7 @@ struct SheetText;
 // game it was opened for until it is closed. The texts come from ShowGameText (sheettext.h),
 // the pictures from FindArtwork and the program's own PNG loader, the download from
 // DownloadArtwork (artwork.h).
-class GameSheetDialog final : public QDialog {
+class GameSheetDialog final : public FormDialog {
   Q_OBJECT
  public:
   // Sets CurrentRom and runs the load step: position, kind, fonts, captions, page 0, ShowGame.
@@ -53,13 +53,9 @@ class GameSheetDialog final : public QDialog {
   // The progress steps the last ShowArtwork passed, in order.
   const std::vector<int>& ProgressSteps() const { return m_progressSteps; }
 
- protected:
-  void closeEvent(QCloseEvent* event) override;
-  void done(int result) override;
-
  private:
   class PictureTarget;
-  void Unload();
+  void SaveState() override;
   void ApplyFonts();
   void SetProgress(int percent);
   void ShowPicture(const QImage& image);
@@ -77,7 +73,6 @@ class GameSheetDialog final : public QDialog {
   std::string m_shownFile;
   std::vector<int> m_progressSteps;
   int m_page = 0;
-  bool m_unloaded = false;
 
   std::array<QWidget*, 3> m_frames{};
   QLabel* m_label1;

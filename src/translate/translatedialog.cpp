@@ -1,8 +1,8 @@
 #include "translate/translatedialog.h"
 
 #include <QCheckBox>
-#include <QCloseEvent>
 #include <QDesktopServices>
+#include <QEvent>
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -37,7 +37,8 @@ QString Indexed(const char* name, int index) {
 
 }  // namespace
 
-TranslateDialog::TranslateDialog(QWidget* parent, AppContext& ctx) : QDialog(parent), m_ctx(ctx) {
+TranslateDialog::TranslateDialog(QWidget* parent, AppContext& ctx)
+    : FormDialog(parent), m_ctx(ctx) {
   setObjectName(QStringLiteral("Form8"));
   setWindowTitle(ToQt(ctx.messages.Lng(269)));
   OpenEditor = [](const std::string& path) {
@@ -132,23 +133,10 @@ TranslationChecks TranslateDialog::Checks() const {
   return checks;
 }
 
-void TranslateDialog::Unload() {
-  if (m_unloaded) return;
-  m_unloaded = true;
+void TranslateDialog::SaveState() {
   SaveTranslationChecks(m_ctx.settings, Checks());
   m_ctx.settings.InfWrite("Frm8Top", pos().y());
   m_ctx.settings.InfWrite("Frm8Left", pos().x());
-}
-
-void TranslateDialog::closeEvent(QCloseEvent* event) {
-  Unload();
-  QDialog::closeEvent(event);
-}
-
-void TranslateDialog::done(int result) {
-  // Escape ends the dialog through here rather than through a close event.
-  Unload();
-  QDialog::done(result);
 }
 
 bool TranslateDialog::eventFilter(QObject* watched, QEvent* event) {

@@ -1,11 +1,11 @@
 #pragma once
 
-#include <QDialog>
 #include <array>
 #include <functional>
 #include <string>
 
 #include "translate/translatefiles.h"
+#include "widgets/formdialog.h"
 
 class QCheckBox;
 class QLabel;
@@ -20,7 +20,7 @@ class AppContext;
 // files, "Edit dictionaries" that prepares TRANSLATE.DIC.txt when it is missing and opens it in
 // the desktop's editor, and "Translation" that translates the ticked files in place under the
 // working dialog. All of the work is in dictionary.h and translatefiles.h.
-class TranslateDialog final : public QDialog {
+class TranslateDialog final : public FormDialog {
   Q_OBJECT
  public:
   TranslateDialog(QWidget* parent, AppContext& ctx);
@@ -41,12 +41,10 @@ class TranslateDialog final : public QDialog {
   const TranslationReport& LastReport() const { return m_report; }
 
  protected:
-  void closeEvent(QCloseEvent* event) override;
-  void done(int result) override;
   bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
-  void Unload();
+  void SaveState() override;
 
   AppContext& m_ctx;
   std::array<QCheckBox*, kTranslationFileCount> m_checks{};
@@ -55,7 +53,6 @@ class TranslateDialog final : public QDialog {
   QPushButton* m_edit;
   QPushButton* m_translate;
   TranslationReport m_report;
-  bool m_unloaded = false;
 };
 
 }  // namespace tessarin
