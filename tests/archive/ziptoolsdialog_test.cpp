@@ -8,6 +8,7 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QDir>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLayout>
 #include <QLineEdit>
@@ -95,6 +96,21 @@ TEST_F(ZipToolsDialogTest, ControlsCaptionsAndLoad) {
   EXPECT_EQ(ctx.settings.InfRead("Frm9Effacer"), "-1");
   EXPECT_NE(ctx.settings.InfRead("Frm9Top"), "-1");
   EXPECT_NE(ctx.settings.InfRead("Frm9Left"), "-1");
+}
+
+// Escape ends the window too, and its settings are written once, as a close writes them.
+TEST_F(ZipToolsDialogTest, EscapeWritesTheSettingsOnce) {
+  ZipToolsDialog dialog(nullptr, ctx);
+  dialog.show();
+  Child<QLineEdit>(dialog, "Text2")->setText(QStringLiteral("/by/escape/"));
+  QKeyEvent escape(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
+  QApplication::sendEvent(&dialog, &escape);
+  EXPECT_FALSE(dialog.isVisible());
+  EXPECT_EQ(ctx.settings.InfRead("Frm9Destination"), "/by/escape/");
+  // A later change and close don't write again: the window has gone already.
+  ctx.settings.InfWrite("Frm9Destination", std::string_view("kept"));
+  dialog.close();
+  EXPECT_EQ(ctx.settings.InfRead("Frm9Destination"), "kept");
 }
 
 TEST_F(ZipToolsDialogTest, PathBoxesTakeTheWindowsWidth) {
