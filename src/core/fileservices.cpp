@@ -1,7 +1,9 @@
 #include "core/fileservices.h"
 
+#include <QDir>
 #include <QFile>
 #include <QProcess>
+#include <QStandardPaths>
 #include <QString>
 #include <algorithm>
 #include <fstream>
@@ -105,6 +107,13 @@ bool RenameFile(const std::string& oldPath, const std::string& newPath) {
 void ShellDelete(const std::string& path, bool permanent) {
   const std::string target = CutFinalSeparator(path);
   if (target.empty()) return;
+#if defined(Q_OS_UNIX) && !defined(Q_OS_DARWIN)
+  // The desktop's trash lives in the user's data folder; on an account where that folder
+  // doesn't exist yet, the toolkit would put the trash's folders into the current directory.
+  if (!permanent) {
+    QDir().mkpath(QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation));
+  }
+#endif
   if (!permanent && QFile::moveToTrash(ToQString(target))) return;
   std::error_code ec;
   fs::remove_all(FsPath(target), ec);

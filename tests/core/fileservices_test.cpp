@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QDir>
 #include <QtGlobal>
 #include <atomic>
 #include <chrono>
@@ -9,6 +10,7 @@
 #include <thread>
 
 #include "core_test_support.h"
+#include "support/scopedtrash.h"
 
 namespace tessarin {
 namespace {
@@ -17,6 +19,7 @@ using testing::FolderEntries;
 using testing::ReadFile;
 using testing::TempFolder;
 using testing::WriteFile;
+using testsupport::ScopedTrash;
 
 namespace fs = std::filesystem;
 
@@ -150,33 +153,6 @@ TEST_F(FileServicesTest, ShellDeletePermanentlyRemovesFilesAndTrees) {
   ShellDelete(folder / "missing", true);  // failures are ignored
 }
 
-// Puts the desktop's trash inside the test's folder for the length of a test, so that nothing
-// lands in the trash of whoever runs the tests.
-class ScopedTrash {
- public:
-  explicit ScopedTrash(const std::string& home)
-      : m_oldHome(qgetenv("HOME")), m_oldData(qgetenv("XDG_DATA_HOME")) {
-    fs::create_directories(home + "data");
-    qputenv("HOME", QByteArray::fromStdString(home));
-    qputenv("XDG_DATA_HOME", QByteArray::fromStdString(home + "data"));
-    m_files = home + "data/Trash/files/";
-  }
-  ~ScopedTrash() {
-    qputenv("HOME", m_oldHome);
-    if (m_oldData.isEmpty()) {
-      qunsetenv("XDG_DATA_HOME");
-    } else {
-      qputenv("XDG_DATA_HOME", m_oldData);
-    }
-  }
-  const std::string& Files() const { return m_files; }
-
- private:
-  QByteArray m_oldHome;
-  QByteArray m_oldData;
-  std::string m_files;
-};
-
 TEST_F(FileServicesTest, ShellDeleteToTheTrash) {
   ScopedTrash trash(folder / "home/");
   WriteFile(folder / "a.txt", "x");
@@ -189,6 +165,21 @@ TEST_F(FileServicesTest, ShellDeleteToTheTrash) {
   // Where there is a trash, that is where they went.
   EXPECT_EQ(ReadFile(trash.Files() + "a.txt"), "x");
   EXPECT_EQ(ReadFile(trash.Files() + "tree/sub/b.txt"), "y");
+}
+
+// On an account whose data folder doesn't exist yet, the trash is made there, and nothing lands
+// in the current directory.
+TEST_F(FileServicesTest, ShellDeleteMakesTheTrashOfANewAccount) {
+  ScopedTrash trash(folder / "home/", false);
+  fs::create_directories(folder / "cwd");
+  const QString oldCurrent = QDir::currentPath();
+  ASSERT_TRUE(QDir::setCurrent(QString::fromStdString(folder / "cwd")));
+  WriteFile(folder / "a.txt", "x");
+  ShellDelete(folder / "a.txt", false);
+  QDir::setCurrent(oldCurrent);
+  EXPECT_FALSE(fs::exists(folder / "a.txt"));
+  EXPECT_EQ(ReadFile(trash.Files() + "a.txt"), "x");
+  EXPECT_TRUE(fs::is_empty(folder / "cwd"));
 }
 
 TEST_F(FileServicesTest, ShellCopyCopiesAFileIntoAFolder) {

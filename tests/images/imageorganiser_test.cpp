@@ -15,6 +15,7 @@
 #include "shell/shell_test_support.h"
 #include "store/indexfile.h"
 #include "support/realdata.h"
+#include "support/scopedtrash.h"
 
 namespace tessarin {
 namespace {
@@ -340,7 +341,8 @@ TEST(ImageOrganiserTiming, PruneFortyThousandNamesAgainstTheRealDatabase) {
   shelltest::TestContext t;
   std::filesystem::create_directories(t.Path("DataFiles"));
   std::filesystem::create_symlink(real + "DataFiles/index", t.Path("DataFiles/index"));
-  testsupport::TempFolder images;
+  testsupport::TempFolder images, trashHome;
+  testsupport::ScopedTrash trash(trashHome.Path());
   std::chrono::steady_clock::time_point start = std::chrono::steady_clock::now();
   ASSERT_TRUE(LoadIndex(t.ctx.store, t.ctx.log, IndexFilePath(t.ctx.AppFolder())));
   const double loadMs =

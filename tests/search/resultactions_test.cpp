@@ -10,12 +10,14 @@
 #include <QFile>
 #include <QStandardPaths>
 #include <filesystem>
+#include <memory>
 
 #include "core/fileservices.h"
 #include "core/work.h"
 #include "search/foundpage.h"
 #include "search/searchengine.h"
 #include "searchtestsupport.h"
+#include "support/scopedtrash.h"
 
 namespace tessarin {
 namespace {
@@ -62,7 +64,7 @@ class RomFolder : public Actions {
   void SetUp() override {
     Actions::SetUp();
     // The desktop's trash must not be the user's own during a test.
-    qputenv("XDG_DATA_HOME", QByteArray::fromStdString(m_trashHome.Path()));
+    m_trash = std::make_unique<testsupport::ScopedTrash>(m_trashHome.Path());
     Ctx().settings.InfWrite("RomPath", m_roms.Path());
     for (const char* name : {"pacman", "puckman", "sf2", "zorblast"}) {
       WriteFile(m_roms / (std::string(name) + ".zip"), name);
@@ -72,6 +74,7 @@ class RomFolder : public Actions {
     return fs::exists(fs::path(folder) / name);
   }
   TempFolder m_roms, m_dest, m_trashHome;
+  std::unique_ptr<testsupport::ScopedTrash> m_trash;
 };
 
 TEST_F(RomFolder, DeleteWithNothingSelectedDeletesEveryListedRom) {

@@ -33,6 +33,7 @@
 #include "shell/mainframe.h"
 #include "shell/startup.h"
 #include "support/qtapp.h"
+#include "support/scopedtrash.h"
 #include "widgets/desktopui.h"
 
 namespace tessarin {
@@ -333,8 +334,8 @@ TEST_F(Dialog, SortByTitleAndBackByRom) {
 }
 
 TEST_F(Dialog, DeleteAsksAndDeletesEveryListedRomWithNothingSelected) {
-  TempFolder roms, trash;
-  qputenv("XDG_DATA_HOME", QByteArray::fromStdString(trash.Path()));
+  TempFolder roms, trashHome;
+  testsupport::ScopedTrash trash(trashHome.Path());
   Ctx().settings.InfWrite("RomPath", roms.Path());
   for (const char* name : {"pacman", "puckman", "sf2"})
     WriteFile(roms / (std::string(name) + ".zip"), name);
@@ -359,8 +360,8 @@ TEST_F(Dialog, DeleteAsksAndDeletesEveryListedRomWithNothingSelected) {
 }
 
 TEST_F(Dialog, MoveWithTheChooserCancelledDeletesNothingAndCopyCopies) {
-  TempFolder roms, dest, trash;
-  qputenv("XDG_DATA_HOME", QByteArray::fromStdString(trash.Path()));
+  TempFolder roms, dest, trashHome;
+  testsupport::ScopedTrash trash(trashHome.Path());
   Ctx().settings.InfWrite("RomPath", roms.Path());
   for (const char* name : {"sf2", "sf2j"}) WriteFile(roms / (std::string(name) + ".zip"), name);
   Open();
