@@ -13,7 +13,6 @@
 #include <QProgressBar>
 #include <QPushButton>
 #include <QRadioButton>
-#include <QScopeGuard>
 #include <QShowEvent>
 #include <QTimer>
 #include <QVBoxLayout>
@@ -327,10 +326,9 @@ LayoutsExpertDialog::~LayoutsExpertDialog() { Unload(); }
 void LayoutsExpertDialog::showEvent(QShowEvent* event) {
   QDialog::showEvent(event);
   // The list is fetched once the window is on screen, so the working dialog has a parent to
-  // stand over.
-  // A list already loaded by hand (or still loading) is not fetched a second time.
-  if (!m_shown) {
-    m_shown = true;
+  // stand over; a list loaded by hand in the meantime (or still loading, since the working
+  // dialog runs events) is not fetched a second time.
+  if (!m_loaded) {
     QTimer::singleShot(0, this, [this] {
       if (!m_loaded) LoadList();
     });
@@ -345,12 +343,7 @@ void LayoutsExpertDialog::ReadFolders() {
 }
 
 void LayoutsExpertDialog::LoadList() {
-  // The working dialog runs events while the list loads; a second load started from them would
-  // fill the same lines from two threads.
-  if (m_loading) return;
-  m_loading = true;
   m_loaded = true;
-  const auto done = qScopeGuard([this] { m_loading = false; });
   const Messages& m = m_ctx.messages;
   bool fetched = false;
   bool loaded = false;

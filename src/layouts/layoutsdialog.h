@@ -97,9 +97,7 @@ class LayoutsExpertDialog final : public FormDialog {
   QProgressBar* m_gauge;
   QPushButton* m_missing;
   bool m_showingMissing = false;
-  bool m_shown = false;
   bool m_loaded = false;
-  bool m_loading = false;
 };
 
 }  // namespace tessarin

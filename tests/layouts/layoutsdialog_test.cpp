@@ -12,6 +12,7 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QRadioButton>
+#include <algorithm>
 #include <filesystem>
 
 #include "app/context.h"
@@ -119,6 +120,11 @@ TEST_P(LayoutsDialogTest, ExpertDialogListsSortsFiltersAndDownloads) {
   dialog.LoadList();
   auto* list = Child<QListWidget>(&dialog, "List1");
   ASSERT_EQ(list->count(), 3);  // the other system's line is left out
+  // Loaded by hand as the window opened: the window's own load, once it has run, fetches nothing.
+  QCoreApplication::processEvents();
+  const std::vector<std::string> asked = server.Requests();
+  EXPECT_EQ(std::count(asked.begin(), asked.end(), "/layouts.txt"), 1);
+  EXPECT_EQ(list->count(), 3);
   EXPECT_EQ(list->item(0)->text(), QStringLiteral("Donkey Kong"));
   EXPECT_TRUE(Child<QPlainTextEdit>(&dialog, "Text2")
                   ->toPlainText()
